@@ -1,0 +1,166 @@
+/// @file
+/// All that one side of a call offers or accepts: its media lines, the media text that is passed
+/// through unparsed, and the flags of the session (RFC 3264).
+///
+/// A QOVA_Capability owns its media. The order of the data members is ABI; the class has no virtual
+/// functions.
+
+#ifndef QOVA_CAPABILITY_H
+#define QOVA_CAPABILITY_H
+
+#include <list>
+#include <string>
+
+#include "qova/enumerations.h"
+#include "qova/export.h"
+#include "qova/media.h"
+
+class UDPAddr;
+
+/// The media capability of one side of a call.
+class QOVA_API QOVA_Capability {
+public:
+    /// The first ports of the local plan, from which setPublicAddrPort() and setLocalAddrPort()
+    /// measure.
+    enum : unsigned short {
+        AUDIO_PORT_BASE = 32000,  ///< First local audio port.
+        FAX_PORT_BASE = 6666      ///< First local fax port.
+    };
+
+    /// The media that the stack understood, in the order of their lines, owned; never null.
+    /// Default: empty.
+    std::list<QOVA_Media*> filteredMedia;
+
+    /// A mark for the owner's use; the log text shows it as an apostrophe. Never compared.
+    /// Default: false.
+    bool marked = false;
+
+    /// True: an offer; false: an answer (RFC 3264). Default: false.
+    bool offer = false;
+
+    /// Media text that is carried through unparsed; any bytes. Default: empty.
+    std::string passThrough;
+
+    /// The call is on hold (RFC 3264, section 8.4). Default: false.
+    bool hold = false;
+
+    unsigned char spare1 = 0;  ///< For the owner's use; copied, but never compared or printed.
+    unsigned char spare2 = 0;  ///< @copydoc spare1
+    unsigned char spare3 = 0;  ///< @copydoc spare1
+
+    /// Silence suppression is signalled in SDP (`a=silenceSupp`, RFC 3108). Default: false.
+    bool silenceSuppSdp = false;
+
+    /// An empty capability with the defaults that stand beside the members.
+    QOVA_Capability() = default;
+
+    /// A deep copy. Each media is copied through its virtual `clone`, so an object of a class
+    /// derived from QOVA_Media keeps its class.
+    /// @param other the source
+    /// @throws std::bad_alloc when memory runs out; nothing leaks
+    QOVA_Capability(const QOVA_Capability& other);
+
+    /// Frees every media, in list order, through its virtual destructor.
+    ~QOVA_Capability();
+
+    /// Frees the media of this capability, then copies every member of the other. Each media is
+    /// copied by QOVA_Media's copy constructor: the copies are plain QOVA_Media, whatever the class
+    /// of their source.
+    ///
+    /// **Assigning a capability to itself empties #filteredMedia** and keeps the rest: there is no
+    /// guard, and the list that is freed first is the one that would be copied.
+    ///
+    /// After a failure this capability holds only part of the media (and perhaps its old
+    /// #passThrough); it can be destroyed and assigned again.
+    /// @param other the source
+    /// @return this capability
+    /// @throws std::bad_alloc when memory runs out; nothing leaks
+    QOVA_Capability& operator=(const QOVA_Capability& other);
+
+    /// Whether two capabilities say the same, by rules that are partial on purpose:
+    /// - #offer, #hold and #silenceSuppSdp must agree;
+    /// - if either #passThrough is not empty, those two texts alone decide, and **no media is
+    ///   looked at**;
+    /// - otherwise the media must be as many, and equal pair by pair by QOVA_Media::operator==. As
+    ///   that compares parameter objects by identity, **a capability that has media does not equal
+    ///   its copy**.
+    ///
+    /// #marked and the spare members are never compared. Linear; allocates nothing but address
+    /// texts.
+    /// @param other the capability to compare with
+    /// @return whether no compared member differs
+    /// @throws std::bad_alloc when there is no memory for an address text
+    bool operator==(const QOVA_Capability& other) const;
+
+    /// All media of the given kind and status, in list order.
+    /// @param type the kind to look for
+    /// @param status the status to look for; QOVA_Media::MS_UNKNOWN matches any
+    /// @return borrowed pointers, valid until #filteredMedia changes; one allocation for each
+    /// @throws std::bad_alloc when memory runs out
+    std::list<QOVA_Media*> find(QOVA_Media::e_MediaType type,
+                                QOVA_Media::e_MediaStatus status) const;
+
+    /// The first audio media that has an attribute with the given codec. Linear; allocates nothing,
+    /// throws nothing.
+    /// @param codec the codec, or dynamic payload type, to look for
+    /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
+    QOVA_Media* find(QOVA_Codec codec) const;
+
+    /// The first fax media that has an attribute with the given transport; otherwise as
+    /// find(QOVA_Codec) const.
+    /// @param transport the transport to look for
+    /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
+    QOVA_Media* find(QOVA_FaxTransport transport) const;
+
+    /// The first attribute of an audio media whose tone events are carried by the given payload.
+    /// Linear; allocates nothing, throws nothing.
+    /// @param codec the payload of the tone events
+    /// @return the attribute (not the media), borrowed until its media changes; or null
+    QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
+
+    /// Whether at least one audio media is mute (QOVA_Media::isMute). Other kinds play no part.
+    /// @return false also when there is no audio media
+    bool isMute() const;
+
+    /// Sets QOVA_Media::rcvPort and QOVA_Media::sndPort of the first media of the given kind to 0.
+    /// Its status, its second ports and every other media stay as they are.
+    /// @param type the kind to reject
+    void rejectMedia(QOVA_Media::e_MediaType type);
+
+    /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media.
+    void ClearMediaDirection();
+
+    /// Moves every media that is not rejected from the local plan to a public one. Each gets a copy
+    /// of the new address. The four ports of an audio media shift by `audioPort` -
+    /// #AUDIO_PORT_BASE, those of a fax media by `faxPort` - #FAX_PORT_BASE; other kinds keep their
+    /// ports.
+    ///
+    /// **The shift is not guarded**: ports are computed modulo 65536, and a port 0 is shifted like
+    /// any other. What a move does, the reverse move with the same bases undoes exactly.
+    ///
+    /// A rejected media keeps its address and its ports. Linear; allocates the new addresses only.
+    /// After a failure the media at which it stopped has no address: assign the capability again,
+    /// or destroy it.
+    /// @param addr the new address; its port is not used
+    /// @param audioPort the port onto which local port #AUDIO_PORT_BASE moves
+    /// @param faxPort the port onto which local port #FAX_PORT_BASE moves
+    /// @throws std::bad_alloc when memory runs out; nothing leaks
+    void setPublicAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
+
+    /// The reverse of setPublicAddrPort(): moves back to the local plan. Audio ports shift by
+    /// #AUDIO_PORT_BASE - `audioPort`, fax ports by #FAX_PORT_BASE - `faxPort`; all else is the
+    /// same.
+    /// @param addr the new address; its port is not used
+    /// @param audioPort the port that moves onto local port #AUDIO_PORT_BASE
+    /// @param faxPort the port that moves onto local port #FAX_PORT_BASE
+    /// @throws std::bad_alloc when memory runs out; nothing leaks
+    void setLocalAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
+
+    /// The log text: a summary of the flags, the media's texts, and #passThrough whole. It holds no
+    /// key material unless #passThrough does. Linear in the length of the text.
+    /// @return the text
+    /// @throws std::bad_alloc when memory runs out; the text is never cut short instead
+    operator const std::string() const;
+};
+
+#endif

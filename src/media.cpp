@@ -1,0 +1,171 @@
+#include "qova/media.h"
+
+#include <typeinfo>
+
+#include "netconf/sdp.h"
+#include "owned_list.h"
+#include "qova/attributes.h"
+#include "qova/crypto.h"
+#include "socket/address.h"
+#include "text.h"
+
+namespace {
+
+// dynamic_cast, quicker: nearly every element is of exactly the wanted class.
+template <class Wanted>
+Wanted* cast_to(QOVA_MediaAttribute* attribute) {
+    if (attribute != nullptr && typeid(*attribute) == typeid(Wanted)) {
+        return static_cast<Wanted*>(attribute);
+    }
+    return dynamic_cast<Wanted*>(attribute);
+}
+
+// The first attribute of a class with a given value in one of its members, or null.
+template <class Wanted, class Value>
+Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value Wanted::*member,
+                   Value value) {
+    for (QOVA_MediaAttribute* attribute : attributes) {
+        Wanted* const candidate = cast_to<Wanted>(attribute);
+        if (candidate != nullptr && candidate->*member == value) {
+            return candidate;
+        }
+    }
+    return nullptr;
+}
+
+// Puts a copy in the place of an owned object, which is freed first. The pointer is null while
+// nothing stands there, should the copy throw.
+template <class T>
+void replace(T*& owned, const T& source) {
+    delete owned;
+    owned = nullptr;
+    owned = new T(source);
+}
+
+}  // namespace
+
+QOVA_Media::QOVA_Media() : QOVA_Media(Unfilled()) {
+    address = INetAddress::Clone(&IPAddress::IpAddressAny);
+    amrwbParam = new Sdp::Sdp_Amrwb_Param;
+    opusParam = new Sdp::Sdp_Opus_Param;
+}
+
+QOVA_Media::QOVA_Media(const QOVA_Media& other) : QOVA_Media(Unfilled()) {
+    mediaStatus = other.mediaStatus;
+    mediaType = other.mediaType;
+    address = INetAddress::Clone(other.address);
+    bsnd = other.bsnd;
+    brcv = other.brcv;
+    sndPort = other.sndPort;
+    rcvPort = other.rcvPort;
+    sndPort2 = other.sndPort2;
+    rcvPort2 = other.rcvPort2;
+    cryptoCount = other.cryptoCount;
+    qova::append_clones(attributes, other.attributes);
+    amrwbParam = new Sdp::Sdp_Amrwb_Param(*other.amrwbParam);
+    opusParam = new Sdp::Sdp_Opus_Param(*other.opusParam);
+    qova::append_clones(cryptos, other.cryptos);
+}
+
+QOVA_Media::~QOVA_Media() {
+    delete address;
+    qova::free_all(attributes);
+    delete amrwbParam;
+    delete opusParam;
+    qova::free_all(cryptos);
+}
+
+// Frees before it copies, in an order that the owners of the freed objects rely on, so that this
+// cannot be copy-and-swap.
+QOVA_Media& QOVA_Media::operator=(const QOVA_Media& other) {
+    if (this == &other) {
+        return *this;
+    }
+    qova::free_all(attributes);
+    qova::free_all(cryptos);
+    delete address;
+    address = nullptr;
+    mediaStatus = other.mediaStatus;
+    mediaType = other.mediaType;
+    address = INetAddress::Clone(other.address);
+    bsnd = other.bsnd;
+    brcv = other.brcv;
+    sndPort = other.sndPort;
+    rcvPort = other.rcvPort;
+    sndPort2 = other.sndPort2;
+    rcvPort2 = other.rcvPort2;
+    replace(amrwbParam, *other.amrwbParam);
+    replace(opusParam, *other.opusParam);
+    qova::append_clones(attributes, other.attributes);
+    cryptoCount = other.cryptoCount;
+    qova::append_clones(cryptos, other.cryptos);
+    return *this;
+}
+
+QOVA_Media* QOVA_Media::clone() const {
+    return new QOVA_Media(*this);
+}
+
+bool QOVA_Media::operator==(const QOVA_Media& other) const {
+    if (mediaStatus != other.mediaStatus || mediaType != other.mediaType ||
+        *address != other.address->ToString()) {
+        return false;
+    }
+    return bsnd == other.bsnd && brcv == other.brcv && sndPort == other.sndPort &&
+           rcvPort == other.rcvPort && sndPort2 == other.sndPort2 && rcvPort2 == other.rcvPort2 &&
+           amrwbParam == other.amrwbParam &&
+           opusParam == other.opusParam &&  // identity, on purpose
+           cryptoCount == other.cryptoCount &&
+           qova::equal_side_by_side(attributes, other.attributes) &&
+           qova::equal_side_by_side(cryptos, other.cryptos);
+}
+
+QOVA_AudioAttribute* QOVA_Media::find(QOVA_Codec codec) const {
+    return find_first(attributes, &QOVA_AudioAttribute::codec, codec);
+}
+
+QOVA_FaxAttribute* QOVA_Media::find(QOVA_FaxTransport transport) const {
+    return find_first(attributes, &QOVA_FaxAttribute::transport, transport);
+}
+
+QOVA_AudioAttribute* QOVA_Media::find_mf(QOVA_Codec codec) const {
+    return find_first(attributes, &QOVA_AudioAttribute::mf, codec);
+}
+
+QOVA_MediaAttribute* QOVA_Media::find(e_AttributeType type, e_MediaStatus status) const {
+    for (QOVA_MediaAttribute* attribute : attributes) {
+        if (attribute->attributeType == type &&
+            (status == MS_UNKNOWN || attribute->status == status)) {
+            return attribute;
+        }
+    }
+    return nullptr;
+}
+
+bool QOVA_Media::isMute() const {
+    return address->IsAny() != 0 || rcvPort == 0;
+}
+
+void qova::append_text(std::string& text, const QOVA_Media& media) {
+    append(text, "\t-> media(", media.mediaType, ")/", media.mediaStatus, " @");
+    text += media.address->ToString();
+    append(text, "/snd=", media.sndPort, "~", media.sndPort2, "/rcv=", media.rcvPort, "~",
+           media.rcvPort2, "/bsnd=", media.bsnd, "/brcv=", media.brcv);
+    // c_str(): the parameters' texts count up to their first NUL, the address's text whole.
+    text += static_cast<const std::string>(*media.amrwbParam).c_str();
+    text += static_cast<const std::string>(*media.opusParam).c_str();
+    append(text, "\n\t   Attributes :");
+    for (const QOVA_MediaAttribute* attribute : media.attributes) {
+        append_text(text, *attribute);
+    }
+    append(text, "\t   Crypto attributes (", media.cryptoCount, ") :\n");
+    for (const QOVA_Crypto* crypto : media.cryptos) {
+        append_text(text, *crypto);
+    }
+}
+
+QOVA_Media::operator const std::string() const {
+    std::string text;
+    qova::append_text(text, *this);
+    return text;
+}

@@ -162,7 +162,13 @@ void QOVA_Capability::setLocalAddrPort(const UDPAddr& addr, unsigned short audio
 }
 
 QOVA_Capability::operator const std::string() const {
-    std::string text = "Capability(";
+    std::size_t length = 80 + passThrough.size();
+    for (const QOVA_Media* media : filteredMedia) {
+        length += qova::usual_length(*media);
+    }
+    std::string text;
+    text.reserve(length);
+    text += "Capability(";
     text += offer ? "offer, " : "answer, ";
     text += hold ? "Hold, " : "Not Hold, ";
     text += silenceSuppSdp ? "silenceSuppSdp=yes)" : "silenceSuppSdp=no)";

@@ -1,7 +1,6 @@
 #include "qova/enumerations.h"
 
-#include <iterator>
-#include <string_view>
+#include <cstring>
 
 #include "qova/attributes.h"
 #include "qova/media.h"
@@ -9,13 +8,27 @@
 
 namespace {
 
-// The names of the values 0, 1, 2 ... of an enumeration.
+// A name in a record of its own: copied whole, which is quicker than to its length.
+struct Name {
+    unsigned char length;
+    char text[11];
+
+    template <std::size_t N>
+    constexpr Name(const char (&literal)[N]) : length(N - 1), text() {
+        static_assert(N - 1 <= sizeof text, "a name that does not fit");
+        for (std::size_t i = 0; i < N - 1; ++i) {
+            text[i] = literal[i];
+        }
+    }
+};
+
+// The names of the values 0, 1, 2 ... of an enumeration, and of all others, negative ones included.
 template <std::size_t Count>
 struct Names {
-    std::string_view names[Count];
-    std::string_view others;  // of the values beyond, negative ones included
+    Name names[Count];
+    Name others;
 
-    constexpr std::string_view operator[](int value) const {
+    const Name& operator[](int value) const {
         const auto index = static_cast<unsigned int>(value);
         return index < Count ? names[index] : others;
     }
@@ -31,8 +44,11 @@ constexpr Names<3> rate_management_names = {{"NIL", "TRFTCF", "LocalTCF"}, "NIL"
 constexpr Names<5> type_names = {{"Nil", "Audio", "Video", "Fax", "Data"}, "Nil"};
 constexpr Names<4> status_names = {{"Unknown", "Accepted", "Rejected", "Modified"}, "Unknown"};
 
-char* put_name(char* to, std::string_view name) {
-    return to + name.copy(to, name.size());
+template <class Enumeration, std::size_t Count>
+char* put_name(char* to, const Names<Count>& names, Enumeration value) {
+    const Name& name = names[value];
+    std::memcpy(to, name.text, qova::longest<Enumeration>);
+    return to + name.length;
 }
 
 }  // namespace
@@ -45,27 +61,27 @@ char* qova::put(char* to, QOVA_Codec value) {
         to = put(to, static_cast<int>(value));
         return put(to, ")");
     }
-    return put_name(to, codec_names[value]);
+    return put_name(to, codec_names, value);
 }
 
 char* qova::put(char* to, QOVA_EarlyMedia value) {
-    return put_name(to, direction_names[value]);
+    return put_name(to, direction_names, value);
 }
 
 char* qova::put(char* to, QOVA_FaxTransport value) {
-    return put_name(to, transport_names[value]);
+    return put_name(to, transport_names, value);
 }
 
 char* qova::put(char* to, QOVA_FaxRateMgt value) {
-    return put_name(to, rate_management_names[value]);
+    return put_name(to, rate_management_names, value);
 }
 
 char* qova::put(char* to, QOVA_Media::e_MediaType value) {
-    return put_name(to, type_names[value]);
+    return put_name(to, type_names, value);
 }
 
 char* qova::put(char* to, QOVA_Media::e_MediaStatus value) {
-    return put_name(to, status_names[value]);
+    return put_name(to, status_names, value);
 }
 
 std::string ToString(QOVA_Codec codec) {

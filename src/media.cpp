@@ -164,8 +164,13 @@ void qova::append_text(std::string& text, const QOVA_Media& media) {
     }
 }
 
+std::size_t qova::usual_length(const QOVA_Media& media) {
+    return 160 + 112 * media.attributes.size() + 128 * media.cryptos.size();
+}
+
 QOVA_Media::operator const std::string() const {
     std::string text;
+    text.reserve(qova::usual_length(*this));
     qova::append_text(text, *this);
     return text;
 }

@@ -100,6 +100,9 @@ void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
 void append_text(std::string& text, const QOVA_Crypto& crypto);
 void append_text(std::string& text, const QOVA_Media& media);
 
+// Room for the text of a media with common values, so that the result seldom has to move.
+std::size_t usual_length(const QOVA_Media& media);
+
 }  // namespace qova
 
 #endif

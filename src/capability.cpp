@@ -15,7 +15,7 @@ void shift_ports(QOVA_Media& media, unsigned short shift) {
     }
 }
 
-void move_media(std::list<QOVA_Media*>& list, const UDPAddr& addr, unsigned short audio_shift,
+void move_media(const std::list<QOVA_Media*>& list, const UDPAddr& addr, unsigned short audio_shift,
                 unsigned short fax_shift) {
     for (QOVA_Media* media : list) {
         if (media->mediaStatus == QOVA_Media::MS_REJECTED) {

@@ -19,33 +19,33 @@ namespace qova {
 // The greatest number of characters that a piece of a type takes. Literals and numbers stand for
 // themselves, enumerations for their names, an array of bytes for its numbers side by side.
 template <class Piece>
-constexpr std::size_t longest = 0;
+inline constexpr std::size_t longest = 0;
 template <std::size_t N>
-constexpr std::size_t longest<char[N]> = N - 1;
+inline constexpr std::size_t longest<char[N]> = N - 1;
 template <>
-constexpr std::size_t longest<bool> = 1;
+inline constexpr std::size_t longest<bool> = 1;
 template <>
-constexpr std::size_t longest<int> = 11;
+inline constexpr std::size_t longest<int> = 11;
 template <>
-constexpr std::size_t longest<unsigned int> = 10;
+inline constexpr std::size_t longest<unsigned int> = 10;
 template <>
-constexpr std::size_t longest<unsigned short> = 5;
+inline constexpr std::size_t longest<unsigned short> = 5;
 template <>
-constexpr std::size_t longest<unsigned char> = 3;
+inline constexpr std::size_t longest<unsigned char> = 3;
 template <std::size_t N>
-constexpr std::size_t longest<unsigned char[N]> = N* longest<unsigned char>;
+inline constexpr std::size_t longest<unsigned char[N]> = N* longest<unsigned char>;
 template <>
-constexpr std::size_t longest<QOVA_Codec> = 8;
+inline constexpr std::size_t longest<QOVA_Codec> = 8;
 template <>
-constexpr std::size_t longest<QOVA_EarlyMedia> = 10;
+inline constexpr std::size_t longest<QOVA_EarlyMedia> = 10;
 template <>
-constexpr std::size_t longest<QOVA_FaxTransport> = 8;
+inline constexpr std::size_t longest<QOVA_FaxTransport> = 8;
 template <>
-constexpr std::size_t longest<QOVA_FaxRateMgt> = 8;
+inline constexpr std::size_t longest<QOVA_FaxRateMgt> = 8;
 template <>
-constexpr std::size_t longest<QOVA_Media::e_MediaType> = 5;
+inline constexpr std::size_t longest<QOVA_Media::e_MediaType> = 5;
 template <>
-constexpr std::size_t longest<QOVA_Media::e_MediaStatus> = 8;
+inline constexpr std::size_t longest<QOVA_Media::e_MediaStatus> = 8;
 
 // Each writes a piece and returns the end of it.
 char* put(char* to, int value);

@@ -72,12 +72,14 @@ char* write_v6(char* to, const unsigned char* bytes) {
         static constexpr char prefix[] = "::ffff:";
         return write_v4(std::copy(prefix, prefix + sizeof prefix - 1, to), bytes + 12);
     }
-    constexpr int groups = 8;
-    const auto group = [bytes](int i) { return unsigned{bytes[2 * i]} << 8U | bytes[2 * i + 1]; };
-    int run_start = groups;
-    int run_length = 1;
-    for (int i = 0; i < groups; ++i) {
-        int length = 0;
+    constexpr std::size_t groups = v6_size / 2;
+    const auto group = [bytes](std::size_t i) {
+        return unsigned{bytes[2 * i]} << 8U | bytes[2 * i + 1];
+    };
+    std::size_t run_start = groups;
+    std::size_t run_length = 1;
+    for (std::size_t i = 0; i < groups; ++i) {
+        std::size_t length = 0;
         while (i + length < groups && group(i + length) == 0) {
             ++length;
         }
@@ -86,7 +88,7 @@ char* write_v6(char* to, const unsigned char* bytes) {
             run_length = length;
         }
     }
-    for (int i = 0; i < groups; ++i) {
+    for (std::size_t i = 0; i < groups; ++i) {
         if (i == run_start) {
             *to++ = ':';
             i += run_length - 1;

@@ -1,7 +1,6 @@
 #include "qova/attributes.h"
 
-#include <typeinfo>
-
+#include "exact_class.h"
 #include "text.h"
 
 namespace {
@@ -34,16 +33,19 @@ std::string text_of(const T& attribute) {
 
 }  // namespace
 
+bool qova::same_class(const std::type_info& left, const std::type_info& right) {
+    return left == right;
+}
+
 void qova::append_text(std::string& text, const QOVA_MediaAttribute& attribute) {
     // The exact classes only: a derived one may have another text, and gives it itself.
-    const std::type_info& type = typeid(attribute);
-    if (type == typeid(QOVA_AudioAttribute)) {
+    if (is_exactly<QOVA_AudioAttribute>(attribute)) {
         ::append_text(text, static_cast<const QOVA_AudioAttribute&>(attribute));
-    } else if (type == typeid(QOVA_FaxAttribute)) {
+    } else if (is_exactly<QOVA_FaxAttribute>(attribute)) {
         ::append_text(text, static_cast<const QOVA_FaxAttribute&>(attribute));
-    } else if (type == typeid(QOVA_VideoAttribute)) {
+    } else if (is_exactly<QOVA_VideoAttribute>(attribute)) {
         append(text, video_text);
-    } else if (type == typeid(QOVA_DataAttribute)) {
+    } else if (is_exactly<QOVA_DataAttribute>(attribute)) {
         append(text, data_text);
     } else {
         text += static_cast<const std::string>(attribute);
@@ -65,7 +67,7 @@ QOVA_AudioAttribute::operator const std::string() const {
 }
 
 bool QOVA_AudioAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    if (typeid(other) != typeid(QOVA_AudioAttribute)) {
+    if (!qova::is_exactly<QOVA_AudioAttribute>(other)) {
         return false;
     }
     const auto& audio = static_cast<const QOVA_AudioAttribute&>(other);
@@ -78,11 +80,11 @@ QOVA_MediaAttribute* QOVA_VideoAttribute::clone() const {
 }
 
 QOVA_VideoAttribute::operator const std::string() const {
-    return video_text;
+    return qova::text_of(video_text);
 }
 
 bool QOVA_VideoAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    return typeid(other) == typeid(QOVA_VideoAttribute);
+    return qova::is_exactly<QOVA_VideoAttribute>(other);
 }
 
 QOVA_MediaAttribute* QOVA_FaxAttribute::clone() const {
@@ -94,7 +96,7 @@ QOVA_FaxAttribute::operator const std::string() const {
 }
 
 bool QOVA_FaxAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    if (typeid(other) != typeid(QOVA_FaxAttribute)) {
+    if (!qova::is_exactly<QOVA_FaxAttribute>(other)) {
         return false;
     }
     const auto& fax = static_cast<const QOVA_FaxAttribute&>(other);
@@ -109,10 +111,10 @@ QOVA_MediaAttribute* QOVA_DataAttribute::clone() const {
 }
 
 QOVA_DataAttribute::operator const std::string() const {
-    return data_text;
+    return qova::text_of(data_text);
 }
 
 bool QOVA_DataAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    return typeid(other) == typeid(QOVA_DataAttribute) &&
+    return qova::is_exactly<QOVA_DataAttribute>(other) &&
            type == static_cast<const QOVA_DataAttribute&>(other).type;
 }

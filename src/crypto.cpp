@@ -2,8 +2,8 @@
 
 #include <cstring>
 #include <type_traits>
-#include <typeinfo>
 
+#include "exact_class.h"
 #include "text.h"
 
 static_assert(std::is_trivially_copyable<QOVA_CryptoKey>::value, "copied as one block of bytes");
@@ -29,7 +29,7 @@ QOVA_Crypto* QOVA_Crypto::clone() const {
 }
 
 bool QOVA_Crypto::operator==(const QOVA_Crypto& other) const {
-    if (typeid(other) != typeid(QOVA_Crypto)) {
+    if (!qova::is_exactly<QOVA_Crypto>(other)) {
         return false;
     }
     for (auto l = keys.begin(), r = other.keys.begin(); l != keys.end() && r != other.keys.end();

@@ -11,7 +11,7 @@ namespace {
 // A name in a record of its own: copied whole, which is quicker than to its length.
 struct Name {
     unsigned char length;
-    char text[11];
+    char text[qova::longest_name];
 
     template <std::size_t N>
     constexpr Name(const char (&literal)[N]) : length(N - 1), text() {
@@ -22,33 +22,26 @@ struct Name {
     }
 };
 
-// The names of the values 0, 1, 2 ... of an enumeration, and of all others, negative ones included.
-template <std::size_t Count>
-struct Names {
-    Name names[Count];
-    Name others;
+// The names of the values 0, 1, 2 ... of each enumeration, and the one of all other values last.
+constexpr Name codec_names[] = {"NIL",     "G711alaw", "G711ulaw", "G723",   "G729", "G729a",
+                                "G711nil", "G729nil",  "G722",     "G722.2", "OPUS", "NIL"};
+constexpr Name direction_names[] = {"nil",      "sendrecv", "sendonly",
+                                    "recvonly", "inactive", "unknown???"};
+constexpr Name transport_names[] = {"NIL", "T38udptl", "T38tcp", "NIL"};
+constexpr Name rate_management_names[] = {"NIL", "TRFTCF", "LocalTCF", "NIL"};
+constexpr Name type_names[] = {"Nil", "Audio", "Video", "Fax", "Data", "Nil"};
+constexpr Name status_names[] = {"Unknown", "Accepted", "Rejected", "Modified", "Unknown"};
 
-    const Name& operator[](int value) const {
-        const auto index = static_cast<unsigned int>(value);
-        return index < Count ? names[index] : others;
-    }
-};
-
-constexpr Names<11> codec_names = {{"NIL", "G711alaw", "G711ulaw", "G723", "G729", "G729a",
-                                    "G711nil", "G729nil", "G722", "G722.2", "OPUS"},
-                                   "NIL"};
-constexpr Names<5> direction_names = {{"nil", "sendrecv", "sendonly", "recvonly", "inactive"},
-                                      "unknown???"};
-constexpr Names<3> transport_names = {{"NIL", "T38udptl", "T38tcp"}, "NIL"};
-constexpr Names<3> rate_management_names = {{"NIL", "TRFTCF", "LocalTCF"}, "NIL"};
-constexpr Names<5> type_names = {{"Nil", "Audio", "Video", "Fax", "Data"}, "Nil"};
-constexpr Names<4> status_names = {{"Unknown", "Accepted", "Rejected", "Modified"}, "Unknown"};
-
-template <class Enumeration, std::size_t Count>
-char* put_name(char* to, const Names<Count>& names, Enumeration value) {
-    const Name& name = names[value];
-    std::memcpy(to, name.text, qova::longest<Enumeration>);
+// Negative values are great ones when read unsigned.
+char* put_name(char* to, const Name* names, unsigned int last, unsigned int value) {
+    const Name& name = names[value < last ? value : last];
+    std::memcpy(to, name.text, sizeof name.text);
     return to + name.length;
+}
+
+template <std::size_t Count>
+char* put_name(char* to, const Name (&names)[Count], int value) {
+    return put_name(to, names, Count - 1, static_cast<unsigned int>(value));
 }
 
 }  // namespace

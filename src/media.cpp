@@ -11,22 +11,32 @@
 
 namespace {
 
-// dynamic_cast, quicker: nearly every element is of exactly the wanted class.
-template <class Wanted>
-Wanted* cast_to(QOVA_MediaAttribute* attribute) {
-    if (attribute != nullptr && typeid(*attribute) == typeid(Wanted)) {
-        return static_cast<Wanted*>(attribute);
+using Position = std::list<QOVA_MediaAttribute*>::const_iterator;
+
+template <class Wanted, class Value>
+[[gnu::noinline]] Wanted* find_derived(Position at, Position end, Value Wanted::*member,
+                                       Value value) {
+    for (; at != end; ++at) {
+        Wanted* const candidate = dynamic_cast<Wanted*>(*at);
+        if (candidate != nullptr && candidate->*member == value) {
+            return candidate;
+        }
     }
-    return dynamic_cast<Wanted*>(attribute);
+    return nullptr;
 }
 
-// The first attribute of a class with a given value in one of its members, or null.
-template <class Wanted, class Value>
-Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value Wanted::*member,
-                   Value value) {
-    for (QOVA_MediaAttribute* attribute : attributes) {
-        Wanted* const candidate = cast_to<Wanted>(attribute);
-        if (candidate != nullptr && candidate->*member == value) {
+// The first attribute of a class, or of one derived from it, with a given value in a member; or
+// null. Nearly every list holds one class only, exactly: dynamic_cast, which is slow, comes in from
+// the first element on that is something else.
+template <auto member, class Wanted, class Value>
+Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value value) {
+    for (Position at = attributes.begin(); at != attributes.end(); ++at) {
+        QOVA_MediaAttribute* const attribute = *at;
+        if (attribute == nullptr || &typeid(*attribute) != &typeid(Wanted)) {
+            return find_derived<Wanted, Value>(at, attributes.end(), member, value);
+        }
+        Wanted* const candidate = static_cast<Wanted*>(attribute);
+        if (candidate->*member == value) {
             return candidate;
         }
     }
@@ -121,15 +131,15 @@ bool QOVA_Media::operator==(const QOVA_Media& other) const {
 }
 
 QOVA_AudioAttribute* QOVA_Media::find(QOVA_Codec codec) const {
-    return find_first(attributes, &QOVA_AudioAttribute::codec, codec);
+    return find_first<&QOVA_AudioAttribute::codec, QOVA_AudioAttribute>(attributes, codec);
 }
 
 QOVA_FaxAttribute* QOVA_Media::find(QOVA_FaxTransport transport) const {
-    return find_first(attributes, &QOVA_FaxAttribute::transport, transport);
+    return find_first<&QOVA_FaxAttribute::transport, QOVA_FaxAttribute>(attributes, transport);
 }
 
 QOVA_AudioAttribute* QOVA_Media::find_mf(QOVA_Codec codec) const {
-    return find_first(attributes, &QOVA_AudioAttribute::mf, codec);
+    return find_first<&QOVA_AudioAttribute::mf, QOVA_AudioAttribute>(attributes, codec);
 }
 
 QOVA_MediaAttribute* QOVA_Media::find(e_AttributeType type, e_MediaStatus status) const {

@@ -34,18 +34,20 @@ template <>
 inline constexpr std::size_t longest<unsigned char> = 3;
 template <std::size_t N>
 inline constexpr std::size_t longest<unsigned char[N]> = N* longest<unsigned char>;
+
+inline constexpr std::size_t longest_name = 11;
 template <>
-inline constexpr std::size_t longest<QOVA_Codec> = 8;
+inline constexpr std::size_t longest<QOVA_Codec> = longest_name;
 template <>
-inline constexpr std::size_t longest<QOVA_EarlyMedia> = 10;
+inline constexpr std::size_t longest<QOVA_EarlyMedia> = longest_name;
 template <>
-inline constexpr std::size_t longest<QOVA_FaxTransport> = 8;
+inline constexpr std::size_t longest<QOVA_FaxTransport> = longest_name;
 template <>
-inline constexpr std::size_t longest<QOVA_FaxRateMgt> = 8;
+inline constexpr std::size_t longest<QOVA_FaxRateMgt> = longest_name;
 template <>
-inline constexpr std::size_t longest<QOVA_Media::e_MediaType> = 5;
+inline constexpr std::size_t longest<QOVA_Media::e_MediaType> = longest_name;
 template <>
-inline constexpr std::size_t longest<QOVA_Media::e_MediaStatus> = 8;
+inline constexpr std::size_t longest<QOVA_Media::e_MediaStatus> = longest_name;
 
 // Each writes a piece and returns the end of it.
 char* put(char* to, int value);
@@ -88,7 +90,7 @@ void append(std::string& text, const Piece&... pieces) {
 
 // The text of one piece.
 template <class Piece>
-std::string text_of(Piece piece) {
+std::string text_of(const Piece& piece) {
     std::string text;
     append(text, piece);
     return text;

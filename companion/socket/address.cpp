@@ -4,7 +4,9 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -12,26 +14,39 @@ namespace {
 constexpr std::size_t v4_size = 4;
 constexpr std::size_t v6_size = 16;
 
-// By hand, as equality of media asks for the text of every address and reads it back:
-// inet_ntop and inet_pton alone would make it several times slower.
-char* write_decimal(char* to, unsigned value) {
-    if (value >= 100) {
-        *to++ = static_cast<char>('0' + value / 100);
+// IPv4 is written by hand and from a table, as equality of media asks for the text of every
+// address: inet_ntop alone would make it several times slower.
+struct Octet {
+    char text[4];  // in decimal, with a dot behind it
+    unsigned char length;
+};
+
+constexpr std::array<Octet, 256> make_octets() {
+    std::array<Octet, 256> octets = {};
+    for (unsigned value = 0; value < octets.size(); ++value) {
+        Octet& octet = octets[value];
+        for (unsigned unit = 100; unit != 0; unit /= 10) {
+            if (value >= unit || unit == 1) {
+                octet.text[octet.length++] = static_cast<char>('0' + value / unit % 10);
+            }
+        }
+        octet.text[octet.length++] = '.';
     }
-    if (value >= 10) {
-        *to++ = static_cast<char>('0' + value / 10 % 10);
-    }
-    *to++ = static_cast<char>('0' + value % 10);
-    return to;
+    return octets;
 }
 
+constexpr std::array<Octet, 256> octets = make_octets();
+
+// The longest IPv4 address and the dot behind it, which is written, but does not count.
+constexpr std::size_t v4_room = v4_size * sizeof Octet::text;
+
 char* write_v4(char* to, const unsigned char* bytes) {
-    to = write_decimal(to, bytes[0]);
-    for (std::size_t i = 1; i < v4_size; ++i) {
-        *to++ = '.';
-        to = write_decimal(to, bytes[i]);
+    for (std::size_t i = 0; i < v4_size; ++i) {
+        const Octet& octet = octets[bytes[i]];
+        std::memcpy(to, octet.text, sizeof octet.text);
+        to += octet.length;
     }
-    return to;
+    return to - 1;
 }
 
 bool parse_v4(const std::string& text, unsigned char* bytes) {
@@ -163,9 +178,14 @@ bool IPAddress::IsMulticast() const {
 }
 
 bool IPAddress::IsEqual(const std::string& text) const {
-    unsigned char other[v6_size];
-    return (isV6 ? parse_v6(text, other) : parse_v4(text, other)) &&
-           std::memcmp(bytes, other, Size()) == 0;
+    if (isV6) {
+        unsigned char other[v6_size];
+        return parse_v6(text, other) && std::memcmp(bytes, other, v6_size) == 0;
+    }
+    // An IPv4 address has one spelling only.
+    char own[v4_room];
+    const char* const end = write_v4(own, bytes);
+    return std::string_view(own, static_cast<std::size_t>(end - own)) == text;
 }
 
 bool IPAddress::IsPrivate() const {

@@ -49,7 +49,8 @@ public:
 
     virtual ~Sdp_Amrwb_Param() = default;
 
-    /// The parameters that were given as " AMR-WB(octet-align=1; mode-set=0,2)".
+    /// The parameters that were given, the payload type first, as
+    /// " AMR-WB(payload-type=98; octet-align=1; mode-set=0,2)".
     /// @return the text; empty when none was given
     /// @throws std::bad_alloc when memory runs out
     operator const std::string() const;

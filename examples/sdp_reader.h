@@ -1,0 +1,37 @@
+// Reads a session description (RFC 4566) into a QOVA_Capability.
+//
+// sofia-sip's parser decides what is SDP, names the media and payloads and gives the directions.
+// Attributes with values are read from their own lines: the parser drops fmtp lines that are broken
+// or repeated, and it knows no line numbers.
+//
+// README.md has the table of what becomes of what.
+
+#ifndef QOVA_EXAMPLES_SDP_READER_H
+#define QOVA_EXAMPLES_SDP_READER_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "qova/capability.h"
+#include "sdp_text.h"
+
+namespace sdp {
+
+enum class Role { OFFER, ANSWER };
+
+// A capability, and which line of the description each of its media comes from.
+struct Reading {
+    std::unique_ptr<QOVA_Capability> capability;
+    std::vector<QOVA_Media*> media;  // one for each m= line; null: passed through
+};
+
+// Reads a description, or says why not. Linear in the length of the text.
+Result<Reading> read(const std::string& text, Role role);
+
+// The same for a text that is split into lines already. Throws Refusal.
+Reading read(const Description& description, Role role);
+
+}  // namespace sdp
+
+#endif

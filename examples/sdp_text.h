@@ -1,0 +1,127 @@
+// A session description as text: its lines, where their fields stand, and what is wrong with them.
+//
+// The reader and the mover share this. Everything here points into the description's text, so that
+// a field can be found, changed in its place, or named by its line.
+
+#ifndef QOVA_EXAMPLES_SDP_TEXT_H
+#define QOVA_EXAMPLES_SDP_TEXT_H
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "socket/address.h"
+
+namespace sdp {
+
+// Why a description is refused. The message quotes nothing of the description, whose lines may
+// hold keys.
+struct Error {
+    std::size_t line = 0;  // counted from 1; 0: the description as a whole
+    std::string message;
+};
+
+template <class T>
+using Result = std::variant<T, Error>;
+
+// How an Error travels inside the reader and the mover.
+class Refusal : public std::runtime_error {
+public:
+    Refusal(std::size_t in_line, const std::string& message)
+        : std::runtime_error(message), line(in_line) {}
+
+    std::size_t line;
+};
+
+template <class Function>
+auto result_of(Function function) -> Result<decltype(function())> {
+    try {
+        return function();
+    } catch (const Refusal& refusal) {
+        return Error{refusal.line, refusal.what()};
+    }
+}
+
+// Case counts for none of SDP's names here; the host's locale plays no part.
+bool same(std::string_view left, std::string_view right);
+
+// The pieces between blanks and tabs.
+std::vector<std::string_view> tokens(std::string_view text);
+
+std::string_view trimmed(std::string_view text);
+
+// A decimal number of digits only; nothing when the text is another thing or exceeds the greatest.
+std::optional<unsigned long long> number(std::string_view digits, unsigned long long greatest);
+
+// One line. Blank lines are passed over, but counted.
+struct Line {
+    std::size_t number;      // from 1, as an editor counts
+    std::size_t begin;       // offset of the line in the text
+    std::size_t end;         // offset of its line ending
+    std::size_t next;        // offset behind its line ending; the same where the text just ends
+    char type;               // the letter before "="
+    std::string_view name;   // of an attribute (a=); else empty
+    std::string_view value;  // behind "name:" of an attribute, else behind "="; no outer blanks
+};
+
+using Section = std::vector<Line>;
+
+class Description {
+public:
+    // The text must outlive this object. Lines end with LF, CR LF or CR.
+    // Throws Refusal where the text does not have the outer form of one description.
+    explicit Description(const std::string& text);
+
+    std::string_view text;
+    std::vector<Section> sections;  // the session's, then one for each m= line, which opens it
+
+    // Where a piece of the text stands in it.
+    std::size_t offset(std::string_view piece) const;
+
+    // The number of the line that an offset falls in.
+    std::size_t line_at(std::size_t offset) const;
+};
+
+// The first c= line of a section, or null.
+const Line* first_connection(const Section& section);
+
+// m=<type> <port>[/<count>] <transport> <format> ...
+struct MediaLine {
+    std::string_view port_digits;
+    unsigned long port = 0;
+    unsigned long more_ports = 0;  // that follow on the first, where a count asks for them
+    std::string_view transport;
+    bool is_rtp = false;
+    std::size_t format_count = 0;
+};
+MediaLine media_line(const Line& line);
+
+// Whether a transport such as UDP/TLS/UDPTL ends in a given one.
+bool ends_in(std::string_view transport, std::string_view last);
+
+// <nettype> <addrtype> <address>[/<suffix>], as in c=, o= and a=rtcp
+struct AddressField {
+    std::size_t line = 0;
+    std::string_view label;  // IP4 or IP6
+    std::string_view text;   // without the suffix
+    bool suffix = false;     // a TTL or a number of addresses: multicast
+    IPAddress address;
+};
+AddressField connection_address(const Line& line);
+AddressField origin_address(const Line& line);
+
+// a=rtcp:<port> [<nettype> <addrtype> <address>] (RFC 3605)
+struct RtcpLine {
+    std::string_view port_digits;
+    unsigned short port = 0;
+    std::optional<AddressField> address;
+};
+RtcpLine rtcp_line(const Line& line);
+
+}  // namespace sdp
+
+#endif

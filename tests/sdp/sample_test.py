@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""What qova-sdp says about one sample, and that every move of it can be undone.
+
+usage: sample_test.py PROGRAM SAMPLE.sdp
+"""
+
+import base64
+import pathlib
+import re
+import sys
+import unittest
+
+from program import Program
+
+PLANS = [("203.0.113.5", "40000", "7000"), ("2001:db8:ffff::9", "32002", "6668"),
+         ("203.0.113.5", "33000", "6000")]
+
+
+class SampleTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_log(self):
+        role = ["--answer"] if "answer" in sample.stem else []
+        status, log, errors = program.run("log", *role, str(sample))
+        self.assertEqual((status, errors), (0, ""))
+        self.assertEqual(log.decode(), sample.with_suffix(".log").read_bytes().decode())
+
+    def test_move_and_back(self):
+        text = sample.read_bytes()
+        # The last c= line is one of the media; some samples have no c= of the session.
+        address = re.findall(rb"^c=IN IP[46] (\S+)", text, re.MULTILINE)[-1].decode()
+        for target, audio, fax in PLANS:
+            plan = ["--audio-port", audio, "--fax-port", fax]
+            status, moved, log = program.run("move", "--address", target, *plan, str(sample))
+            self.assertEqual(status, 0, log)
+            self.assertRegex(log, r"(?s)\Abefore: Capability\(.*\nafter: Capability\(.*\n\Z")
+            self.assertNotEqual(moved, text)
+            status, restored, log = program.run("move", "--back", "--address", address, *plan, "-",
+                                                text=moved)
+            self.assertEqual(status, 0, log)
+            self.assertEqual(restored, text)
+
+    def test_keys_stay_in_the_description(self):
+        keys = re.findall(rb"inline:([^|;\s]+)", sample.read_bytes())
+        shown = program.run("log", str(sample))[1].decode()
+        shown += program.run("move", "--address", "203.0.113.5", "--audio-port", "40000",
+                             "--fax-port", "7000", str(sample))[2]
+        for key in keys:
+            self.assertGreaterEqual(len(key), 40)
+            self.assertNotIn(key[:8].decode(), shown)
+            raw = base64.b64decode(key)
+            self.assertNotIn(raw[:8].hex(), shown.lower())
+            self.assertNotIn(", ".join(str(byte) for byte in raw[:8]), shown)
+
+
+if __name__ == "__main__":
+    program = Program(sys.argv[1])
+    sample = pathlib.Path(sys.argv[2])
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,976 @@
+// What a media and a capability ask of the objects they own, and in which order. Those classes may
+// be other people's, so all of this can be seen from outside.
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <string>
+
+#include "allocations.h"
+#include "netconf/sdp.h"
+#include "qova/attributes.h"
+#include "qova/capability.h"
+#include "qova/crypto.h"
+#include "qova/media.h"
+#include "rows.h"
+#include "socket/address.h"
+
+namespace {
+
+// What the doubles below were asked, one entry a line. Writing into it allocates nothing.
+class Journal {
+public:
+    Journal() { entries.reserve(4096); }
+
+    void write(const char* action, const std::string& who, const char* more = "") {
+        if (counting) {
+            const std::size_t allocated = allocations::made() - made_before;
+            if (allocated != 0) {
+                entries += std::to_string(allocated);
+                entries += " allocated\n";
+            }
+        }
+        entries += action;
+        entries += who;
+        entries += more;
+        entries += '\n';
+        made_before = allocations::made();
+    }
+
+    // From now on an entry says how many allocations were made since the one before.
+    void count_allocations() {
+        counting = true;
+        made_before = allocations::made();
+    }
+
+    void clear() { entries.clear(); }
+
+    const std::string& text() const { return entries; }
+
+private:
+    std::string entries;
+    bool counting = false;
+    std::size_t made_before = 0;
+};
+
+// Gives a double a name of at most 14 characters; a copy of "a" is called "a'".
+class Named {
+public:
+    Named(Journal& the_journal, const char* the_name) : name(the_name), journal(the_journal) {}
+    Named(const Named& other) : name(other.name + "'"), journal(other.journal) {}
+    Named& operator=(const Named&) = delete;
+    ~Named() = default;
+
+    void log(const char* action, const char* more = "") const { journal.write(action, name, more); }
+
+    const std::string name;
+
+private:
+    Journal& journal;
+};
+
+class Address : public IPAddress {
+public:
+    Address(Journal& journal, const char* name) : named(journal, name) {}
+    Address(const Address&) = default;
+    ~Address() override { named.log("free "); }
+
+    INetAddress* Copy() const override {
+        named.log("copy ");
+        if (copy_fails) {
+            throw std::bad_alloc();
+        }
+        return new Address(*this);
+    }
+    std::string ToString() const override {
+        named.log("text of ");
+        return named.name;
+    }
+    bool IsEqual(const std::string& /*text*/) const override {
+        named.log("is equal ");
+        return !differs;
+    }
+    bool operator!=(const std::string& text) const override {
+        named.log("differs ", (" from " + text).c_str());
+        return differs;
+    }
+    int IsAny() const override {
+        named.log("is any ");
+        return any;
+    }
+
+    Named named;
+    bool copy_fails = false;
+    bool differs = false;
+    int any = 0;
+};
+
+class Attribute : public QOVA_MediaAttribute {
+public:
+    Attribute(Journal& journal, const char* name) : named(journal, name) {}
+    Attribute(const Attribute&) = default;
+    ~Attribute() override { named.log("free "); }
+
+    Attribute* clone() const override {
+        named.log("clone ");
+        if (clone_fails) {
+            throw std::bad_alloc();
+        }
+        return new Attribute(*this);
+    }
+    operator const std::string() const override {
+        named.log("text of ");
+        return named.name;
+    }
+    bool operator==(const QOVA_MediaAttribute& other) const override {
+        const std::string& other_name = dynamic_cast<const Attribute&>(other).named.name;
+        named.log("compare ", (" with " + other_name).c_str());
+        return equal;
+    }
+
+    Named named;
+    bool clone_fails = false;
+    bool equal = true;
+};
+
+class Crypto : public QOVA_Crypto {
+public:
+    Crypto(Journal& journal, const char* name) : named(journal, name) {}
+    Crypto(const Crypto&) = default;
+    ~Crypto() override { named.log("free "); }
+
+    Crypto* clone() const override {
+        named.log("clone ");
+        if (clone_fails) {
+            throw std::bad_alloc();
+        }
+        return new Crypto(*this);
+    }
+
+    Named named;
+    bool clone_fails = false;
+};
+
+class Amrwb : public Sdp::Sdp_Amrwb_Param {
+public:
+    Amrwb(Journal& journal, const char* name) : named(journal, name) {}
+    Amrwb(const Amrwb&) = default;
+    ~Amrwb() override { named.log("free "); }
+
+    Named named;
+};
+
+class Opus : public Sdp::Sdp_Opus_Param {
+public:
+    Opus(Journal& journal, const char* name) : named(journal, name) {}
+    Opus(const Opus&) = default;
+    ~Opus() override { named.log("free "); }
+
+    Named named;
+};
+
+class Media : public QOVA_Media {
+public:
+    Media(Journal& journal, const char* name) : named(journal, name) {}
+    Media(const Media&) = default;
+    ~Media() override { named.log("free "); }
+
+    Media* clone() const override {
+        named.log("clone ");
+        if (clone_fails) {
+            throw std::bad_alloc();
+        }
+        return new Media(*this);
+    }
+
+    Named named;
+    bool clone_fails = false;
+};
+
+// Hands a new object to a media.
+void give(QOVA_Media& media, Address* address) {
+    delete media.address;
+    media.address = address;
+}
+
+void give(QOVA_Media& media, Amrwb* parameters) {
+    delete media.amrwbParam;
+    media.amrwbParam = parameters;
+}
+
+void give(QOVA_Media& media, Opus* parameters) {
+    delete media.opusParam;
+    media.opusParam = parameters;
+}
+
+void give(QOVA_Media& media, Attribute* attribute) {
+    media.attributes.push_back(attribute);
+}
+
+void give(QOVA_Media& media, Crypto* crypto) {
+    media.cryptos.push_back(crypto);
+}
+
+// ---- Copying and freeing of a media ----
+
+class MediaOrder : public testing::Test {
+protected:
+    MediaOrder()
+        : address(new Address(journal, "address")),
+          second_attribute(new Attribute(journal, "a2")),
+          first_crypto(new Crypto(journal, "c1")) {
+        give(source, address);
+        give(source, new Attribute(journal, "a1"));
+        give(source, second_attribute);
+        source.amrwbParam->modeSet = {0, 1, 2};
+        give(source, first_crypto);
+        give(source, new Crypto(journal, "c2"));
+        source.mediaStatus = QOVA_Media::MS_MODIFIED;
+        source.mediaType = QOVA_Media::MT_AUDIO;
+        source.bsnd = false;
+        source.brcv = false;
+        source.sndPort = 1;
+        source.rcvPort = 2;
+        source.sndPort2 = 3;
+        source.rcvPort2 = 4;
+        source.cryptoCount = 5;
+    }
+
+    // A media of the default values that owns doubles.
+    std::unique_ptr<QOVA_Media> make_target() {
+        auto target = std::make_unique<QOVA_Media>();
+        give(*target, new Address(journal, "old address"));
+        give(*target, new Attribute(journal, "old a1"));
+        give(*target, new Attribute(journal, "old a2"));
+        give(*target, new Amrwb(journal, "old amrwb"));
+        give(*target, new Opus(journal, "old opus"));
+        give(*target, new Crypto(journal, "old c1"));
+        give(*target, new Crypto(journal, "old c2"));
+        return target;
+    }
+
+    Journal journal;
+    QOVA_Media source;
+    Address* const address;
+    Attribute* const second_attribute;
+    Crypto* const first_crypto;
+};
+
+constexpr const char* copying_of_the_source =
+    "copy address\n"
+    "1 allocated\n"
+    "clone a1\n"
+    "2 allocated\n"  // a1 and its list node
+    "clone a2\n"
+    "7 allocated\n"  // a2 and its node; the AMR-WB parameters with three modes; the Opus ones
+    "clone c1\n"
+    "2 allocated\n"
+    "clone c2\n";
+
+TEST_F(MediaOrder, CopyConstructorTakesAddressAttributesParametersAndCryptoLines) {
+    journal.count_allocations();
+    const QOVA_Media copy(source);
+    EXPECT_EQ(journal.text(), copying_of_the_source);
+}
+
+TEST_F(MediaOrder, CloneDoesWhatTheCopyConstructorDoes) {
+    journal.clear();
+    const std::unique_ptr<QOVA_Media> copy(source.clone());
+    EXPECT_EQ(journal.text(),
+              "copy address\n"
+              "clone a1\n"
+              "clone a2\n"
+              "clone c1\n"
+              "clone c2\n");
+}
+
+TEST_F(MediaOrder, DestructorFreesAddressAttributesParametersAndCryptoLines) {
+    std::unique_ptr<QOVA_Media> media = make_target();
+    media.reset();
+    EXPECT_EQ(journal.text(),
+              "free old address\n"
+              "free old a1\n"
+              "free old a2\n"
+              "free old amrwb\n"
+              "free old opus\n"
+              "free old c1\n"
+              "free old c2\n");
+}
+
+TEST_F(MediaOrder, AssignmentFreesListsAndAddressFirstAndEachParameterObjectBeforeItsCopy) {
+    const std::unique_ptr<QOVA_Media> target = make_target();
+    journal.count_allocations();
+    *target = source;
+    EXPECT_EQ(journal.text(),
+              "free old a1\n"
+              "free old a2\n"
+              "free old c1\n"
+              "free old c2\n"
+              "free old address\n"
+              "copy address\n"
+              "1 allocated\n"
+              "free old amrwb\n"
+              "4 allocated\n"  // the AMR-WB parameters with three modes
+              "free old opus\n"
+              "1 allocated\n"
+              "clone a1\n"
+              "2 allocated\n"
+              "clone a2\n"
+              "2 allocated\n"
+              "clone c1\n"
+              "2 allocated\n"
+              "clone c2\n");
+}
+
+TEST_F(MediaOrder, SelfAssignmentAsksNothingOfAnyone) {
+    const QOVA_Media& same = source;
+    source = same;
+    EXPECT_EQ(journal.text(), "");
+}
+
+TEST_F(MediaOrder, AssignmentCopiesKindAndStatusBeforeTheAddress) {
+    const std::unique_ptr<QOVA_Media> target = make_target();
+    const Sdp::Sdp_Amrwb_Param* const amrwb = target->amrwbParam;
+    const Sdp::Sdp_Opus_Param* const opus = target->opusParam;
+    address->copy_fails = true;
+    EXPECT_THROW(*target = source, std::bad_alloc);
+
+    EXPECT_EQ(target->mediaStatus, QOVA_Media::MS_MODIFIED);
+    EXPECT_EQ(target->mediaType, QOVA_Media::MT_AUDIO);
+    EXPECT_EQ(target->address, nullptr);
+    EXPECT_TRUE(target->attributes.empty());
+    EXPECT_TRUE(target->cryptos.empty());
+    // The rest is still to come.
+    EXPECT_TRUE(target->bsnd);
+    EXPECT_TRUE(target->brcv);
+    EXPECT_EQ(target->sndPort, 0);
+    EXPECT_EQ(target->rcvPort, 0);
+    EXPECT_EQ(target->sndPort2, 0);
+    EXPECT_EQ(target->rcvPort2, 0);
+    EXPECT_EQ(target->amrwbParam, amrwb);
+    EXPECT_EQ(target->opusParam, opus);
+    EXPECT_EQ(target->cryptoCount, 0U);
+}
+
+TEST_F(MediaOrder, AssignmentCopiesDirectionsPortsAndParametersBeforeTheAttributes) {
+    const std::unique_ptr<QOVA_Media> target = make_target();
+    second_attribute->clone_fails = true;
+    EXPECT_THROW(*target = source, std::bad_alloc);
+
+    EXPECT_FALSE(target->bsnd);
+    EXPECT_FALSE(target->brcv);
+    EXPECT_EQ(target->sndPort, 1);
+    EXPECT_EQ(target->rcvPort, 2);
+    EXPECT_EQ(target->sndPort2, 3);
+    EXPECT_EQ(target->rcvPort2, 4);
+    EXPECT_EQ(target->amrwbParam->modeSet.size(), 3U);
+    EXPECT_EQ(target->attributes.size(), 1U);
+    // The rest is still to come.
+    EXPECT_EQ(target->cryptoCount, 0U);
+    EXPECT_TRUE(target->cryptos.empty());
+}
+
+TEST_F(MediaOrder, AssignmentCopiesTheCryptoCountBeforeTheCryptoLines) {
+    const std::unique_ptr<QOVA_Media> target = make_target();
+    first_crypto->clone_fails = true;
+    EXPECT_THROW(*target = source, std::bad_alloc);
+
+    EXPECT_EQ(target->attributes.size(), 2U);
+    EXPECT_EQ(target->cryptoCount, 5U);
+    EXPECT_TRUE(target->cryptos.empty());
+}
+
+// One after another, what a copy constructor asks for fails; it frees what it has copied so far.
+TEST_F(MediaOrder, FailedCopyFreesWhatItCopiedAndNothingElse) {
+    const auto failed_copy = [&] {
+        const std::size_t live = allocations::live();
+        journal.clear();
+        EXPECT_THROW(QOVA_Media{source}, std::bad_alloc);
+        EXPECT_EQ(allocations::live(), live);
+        return journal.text();
+    };
+    const auto has = [](const std::string& entries, const std::string& entry) {
+        return entries.find(entry + '\n') != std::string::npos;
+    };
+    first_crypto->clone_fails = true;
+    const std::string late = failed_copy();
+    EXPECT_TRUE(has(late, "free address'")) << late;
+    EXPECT_TRUE(has(late, "free a1'")) << late;
+    EXPECT_TRUE(has(late, "free a2'")) << late;
+    EXPECT_FALSE(has(late, "clone c2")) << late;
+
+    second_attribute->clone_fails = true;
+    const std::string earlier = failed_copy();
+    EXPECT_TRUE(has(earlier, "free address'")) << earlier;
+    EXPECT_TRUE(has(earlier, "free a1'")) << earlier;
+    EXPECT_FALSE(has(earlier, "clone c1")) << earlier;
+
+    address->copy_fails = true;
+    EXPECT_EQ(failed_copy(), "copy address\n");
+}
+
+// ---- Comparing media ----
+
+class MediaEqualityOrder : public testing::Test {
+protected:
+    MediaEqualityOrder() {
+        for (QOVA_Media* const media : {&left, &right}) {
+            delete media->amrwbParam;
+            media->amrwbParam = nullptr;
+            delete media->opusParam;
+            media->opusParam = nullptr;
+        }
+        give(left, left_address);
+        give(right, right_address);
+        give(left, left_attribute);
+        give(right, right_attribute);
+        give(left, new Attribute(journal, "left a2"));
+        give(right, new Attribute(journal, "right a2"));
+    }
+
+    Journal journal;
+    QOVA_Media left;
+    QOVA_Media right;
+    Address* const left_address = new Address(journal, "left");
+    Address* const right_address = new Address(journal, "right");
+    Attribute* const left_attribute = new Attribute(journal, "left a1");
+    Attribute* const right_attribute = new Attribute(journal, "right a1");
+    Sdp::Sdp_Amrwb_Param amrwb;
+    Sdp::Sdp_Opus_Param opus;
+};
+
+TEST_F(MediaEqualityOrder, AsksForTheOtherAddressTextThenThisAddressThenTheseAttributes) {
+    EXPECT_TRUE(left == right);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n"
+              "compare left a1 with right a1\n"
+              "compare left a2 with right a2\n");
+}
+
+TEST_F(MediaEqualityOrder, AsksTheOtherWayRoundWhenTheSidesAreChanged) {
+    EXPECT_TRUE(right == left);
+    EXPECT_EQ(journal.text(),
+              "text of left\n"
+              "differs right from left\n"
+              "compare right a1 with left a1\n"
+              "compare right a2 with left a2\n");
+}
+
+TEST_F(MediaEqualityOrder, TakesTheWordOfThisAddress) {
+    left_address->differs = true;
+    EXPECT_FALSE(left == right);
+    EXPECT_TRUE(right == left);
+}
+
+TEST_F(MediaEqualityOrder, TakesTheWordOfTheseAttributes) {
+    left_attribute->equal = false;
+    EXPECT_FALSE(left == right);
+    EXPECT_TRUE(right == left);
+}
+
+// Without an override, differing is the negation of being equal.
+TEST_F(MediaEqualityOrder, ReachesTheAddressesOwnEqualityThroughTheInequality) {
+    struct Plain : IPAddress {
+        bool IsEqual(const std::string& text) const override {
+            asked = text;
+            return equal;
+        }
+        mutable std::string asked;
+        bool equal = true;
+    };
+    delete left.address;
+    auto* const plain = new Plain;
+    left.address = plain;
+    EXPECT_TRUE(left == right);
+    EXPECT_EQ(plain->asked, "right");
+    plain->equal = false;
+    EXPECT_FALSE(left == right);
+}
+
+TEST_F(MediaEqualityOrder, StopsAtTheAddress) {
+    left_address->differs = true;
+    EXPECT_FALSE(left == right);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n");
+}
+
+TEST_F(MediaEqualityOrder, StopsAtTheFirstUnequalAttribute) {
+    left_attribute->equal = false;
+    EXPECT_FALSE(left == right);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n"
+              "compare left a1 with right a1\n");
+}
+
+TEST_F(MediaEqualityOrder, StopsWhereTheShorterListEnds) {
+    give(left, new Attribute(journal, "left a3"));
+    EXPECT_TRUE(left == right);
+    EXPECT_TRUE(right == left);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n"
+              "compare left a1 with right a1\n"
+              "compare left a2 with right a2\n"
+              "text of left\n"
+              "differs right from left\n"
+              "compare right a1 with left a1\n"
+              "compare right a2 with left a2\n");
+}
+
+// A line of a derived class is unequal to every other, but it is the last to be looked at.
+TEST_F(MediaEqualityOrder, ComesToTheCryptoLinesLast) {
+    give(left, new Crypto(journal, "left c1"));
+    give(right, new Crypto(journal, "right c1"));
+    EXPECT_FALSE(left == right);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n"
+              "compare left a1 with right a1\n"
+              "compare left a2 with right a2\n");
+}
+
+class FieldBeforeTheAddress : public MediaEqualityOrder,
+                              public testing::WithParamInterface<Change<QOVA_Media>> {};
+
+TEST_P(FieldBeforeTheAddress, DecidesWithoutAskingAnyone) {
+    GetParam().apply(right);
+    EXPECT_FALSE(left == right);
+    EXPECT_FALSE(right == left);
+    EXPECT_EQ(journal.text(), "");
+}
+
+constexpr Change<QOVA_Media> before_the_address[] = {
+    {"mediaStatus", [](QOVA_Media& media) { media.mediaStatus = QOVA_Media::MS_REJECTED; }},
+    {"mediaType", [](QOVA_Media& media) { media.mediaType = QOVA_Media::MT_FAX; }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Media, FieldBeforeTheAddress, testing::ValuesIn(before_the_address),
+                         name_of_row);
+
+class FieldBehindTheAddress : public MediaEqualityOrder,
+                              public testing::WithParamInterface<Change<QOVA_Media>> {};
+
+TEST_P(FieldBehindTheAddress, DecidesBeforeTheAttributesAreAsked) {
+    GetParam().apply(right);
+    EXPECT_FALSE(left == right);
+    EXPECT_EQ(journal.text(),
+              "text of right\n"
+              "differs left from right\n");
+}
+
+constexpr Change<QOVA_Media> behind_the_address[] = {
+    {"bsnd", [](QOVA_Media& media) { media.bsnd = false; }},
+    {"brcv", [](QOVA_Media& media) { media.brcv = false; }},
+    {"sndPort", [](QOVA_Media& media) { media.sndPort = 1; }},
+    {"rcvPort", [](QOVA_Media& media) { media.rcvPort = 1; }},
+    {"sndPort2", [](QOVA_Media& media) { media.sndPort2 = 1; }},
+    {"rcvPort2", [](QOVA_Media& media) { media.rcvPort2 = 1; }},
+    {"amrwbParam", [](QOVA_Media& media) { media.amrwbParam = new Sdp::Sdp_Amrwb_Param; }},
+    {"opusParam", [](QOVA_Media& media) { media.opusParam = new Sdp::Sdp_Opus_Param; }},
+    {"cryptoCount", [](QOVA_Media& media) { media.cryptoCount = 1; }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Media, FieldBehindTheAddress, testing::ValuesIn(behind_the_address),
+                         name_of_row);
+
+// ---- Mute test, searches and text of a media ----
+
+TEST(MediaMuteOrder, AsksTheAddressOnceAndTakesAnyNonzeroAnswer) {
+    Journal journal;
+    QOVA_Media media;
+    media.rcvPort = 5000;
+    auto* const address = new Address(journal, "address");
+    give(media, address);
+    EXPECT_FALSE(media.isMute());
+    EXPECT_EQ(journal.text(), "is any address\n");
+    for (const int answer : {1, -1, 2, 256, 65536}) {
+        address->any = answer;
+        EXPECT_TRUE(media.isMute()) << answer;
+    }
+}
+
+// The address comes first, whatever the port says.
+TEST(MediaMuteOrder, AsksTheAddressAlsoWithoutAReceivePort) {
+    Journal journal;
+    QOVA_Media media;
+    give(media, new Address(journal, "address"));
+    EXPECT_TRUE(media.isMute());
+    EXPECT_EQ(journal.text(), "is any address\n");
+}
+
+TEST(MediaTextOrder, AsksTheAddressThenEachAttributeOnce) {
+    Journal journal;
+    QOVA_Media media;
+    give(media, new Attribute(journal, "a1"));
+    give(media, new Attribute(journal, "a2"));
+    give(media, new Address(journal, "address"));
+    EXPECT_EQ(std::string(media),
+              "\t-> media(Nil)/Accepted @address/snd=0~0/rcv=0~0/bsnd=1/brcv=1\n"
+              "\t   Attributes :a1a2\t   Crypto attributes (0) :\n");
+    EXPECT_EQ(journal.text(),
+              "text of address\n"
+              "text of a1\n"
+              "text of a2\n");
+}
+
+// ---- Capability ----
+
+class CapabilityOrder : public testing::Test {
+protected:
+    // Appends a media called `name` whose address and attribute are doubles too.
+    static Media& append(QOVA_Capability& capability, Journal& journal, const char* name,
+                         const char* address, const char* attribute) {
+        auto* const media = new Media(journal, name);
+        capability.filteredMedia.push_back(media);
+        media->mediaType = QOVA_Media::MT_AUDIO;
+        give(*media, new Address(journal, address));
+        give(*media, new Attribute(journal, attribute));
+        return *media;
+    }
+
+    Journal journal;
+    QOVA_Capability capability;
+    Media& first = append(capability, journal, "m1", "m1 address", "m1 a1");
+    Media& second = append(capability, journal, "m2", "m2 address", "m2 a1");
+    Media& third = append(capability, journal, "m3", "m3 address", "m3 a1");
+};
+
+TEST_F(CapabilityOrder, CopyConstructorClonesTheMediaInListOrder) {
+    const QOVA_Capability copy(capability);
+    EXPECT_EQ(journal.text(),
+              "clone m1\n"
+              "copy m1 address\n"
+              "clone m1 a1\n"
+              "clone m2\n"
+              "copy m2 address\n"
+              "clone m2 a1\n"
+              "clone m3\n"
+              "copy m3 address\n"
+              "clone m3 a1\n");
+}
+
+TEST_F(CapabilityOrder, AssignmentFreesAllMediaThenCopiesPlainOnes) {
+    QOVA_Capability target;
+    append(target, journal, "old m1", "old m1 address", "old m1 a1");
+    append(target, journal, "old m2", "old m2 address", "old m2 a1");
+    journal.clear();
+    target = capability;
+    EXPECT_EQ(journal.text(),
+              "free old m1\n"
+              "free old m1 address\n"
+              "free old m1 a1\n"
+              "free old m2\n"
+              "free old m2 address\n"
+              "free old m2 a1\n"
+              "copy m1 address\n"
+              "clone m1 a1\n"
+              "copy m2 address\n"
+              "clone m2 a1\n"
+              "copy m3 address\n"
+              "clone m3 a1\n");
+}
+
+TEST_F(CapabilityOrder, SelfAssignmentFreesTheMediaAndCopiesNone) {
+    const QOVA_Capability& same = capability;
+    capability = same;
+    EXPECT_EQ(journal.text(),
+              "free m1\n"
+              "free m1 address\n"
+              "free m1 a1\n"
+              "free m2\n"
+              "free m2 address\n"
+              "free m2 a1\n"
+              "free m3\n"
+              "free m3 address\n"
+              "free m3 a1\n");
+}
+
+TEST_F(CapabilityOrder, DestructorFreesTheMediaInListOrder) {
+    {
+        QOVA_Capability other;
+        append(other, journal, "other m1", "o1 address", "o1 a1");
+        append(other, journal, "other m2", "o2 address", "o2 a1");
+        journal.clear();
+    }
+    EXPECT_EQ(journal.text(),
+              "free other m1\n"
+              "free o1 address\n"
+              "free o1 a1\n"
+              "free other m2\n"
+              "free o2 address\n"
+              "free o2 a1\n");
+}
+
+TEST_F(CapabilityOrder, FailedCopyFreesTheMediaThatItCloned) {
+    third.clone_fails = true;
+    const std::size_t live = allocations::live();
+    EXPECT_THROW(QOVA_Capability{capability}, std::bad_alloc);
+    EXPECT_EQ(allocations::live(), live);
+    EXPECT_EQ(journal.text(),
+              "clone m1\n"
+              "copy m1 address\n"
+              "clone m1 a1\n"
+              "clone m2\n"
+              "copy m2 address\n"
+              "clone m2 a1\n"
+              "clone m3\n"
+              "free m1'\n"
+              "free m1 address'\n"
+              "free m1 a1'\n"
+              "free m2'\n"
+              "free m2 address'\n"
+              "free m2 a1'\n");
+}
+
+// The text is copied between the two groups of flags, and before the media.
+TEST_F(CapabilityOrder, AssignmentCopiesFlagsThenTheTextThenTheOtherSpares) {
+    QOVA_Capability target;
+    append(target, journal, "old m1", "old m1 address", "old m1 a1");
+    capability.marked = true;
+    capability.offer = true;
+    capability.passThrough = std::string(1000, 'x');
+    capability.hold = true;
+    capability.spare1 = 1;
+    capability.spare2 = 2;
+    capability.spare3 = 3;
+    capability.silenceSuppSdp = true;
+    journal.clear();
+    bool failed = false;
+    {
+        const allocations::Failure failure(1);
+        try {
+            target = capability;
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+    }
+    EXPECT_TRUE(failed);
+    EXPECT_EQ(journal.text(),
+              "free old m1\n"
+              "free old m1 address\n"
+              "free old m1 a1\n");
+    EXPECT_TRUE(target.filteredMedia.empty());
+    EXPECT_TRUE(target.marked);
+    EXPECT_TRUE(target.offer);
+    EXPECT_TRUE(target.hold);
+    EXPECT_EQ(target.spare1, 1);
+    EXPECT_TRUE(target.silenceSuppSdp);
+    EXPECT_EQ(target.passThrough, "");
+    EXPECT_EQ(target.spare2, 0);
+    EXPECT_EQ(target.spare3, 0);
+}
+
+TEST_F(CapabilityOrder, AssignmentCopiesAllElseBeforeTheMedia) {
+    QOVA_Capability target;
+    capability.passThrough = "text";
+    capability.spare2 = 2;
+    capability.spare3 = 3;
+    dynamic_cast<Address&>(*second.address).copy_fails = true;
+    EXPECT_THROW(target = capability, std::bad_alloc);
+    EXPECT_EQ(target.passThrough, "text");
+    EXPECT_EQ(target.spare2, 2);
+    EXPECT_EQ(target.spare3, 3);
+    EXPECT_EQ(target.filteredMedia.size(), 1U);
+}
+
+TEST_F(CapabilityOrder, TextAsksTheMediaInListOrder) {
+    const std::string text = capability;
+    EXPECT_EQ(journal.text(),
+              "text of m1 address\n"
+              "text of m1 a1\n"
+              "text of m2 address\n"
+              "text of m2 a1\n"
+              "text of m3 address\n"
+              "text of m3 a1\n");
+}
+
+TEST_F(CapabilityOrder, MuteTestAsksAudioMediaOnly) {
+    for (QOVA_Media* const media : capability.filteredMedia) {
+        media->rcvPort = 5000;
+    }
+    second.mediaType = QOVA_Media::MT_VIDEO;
+    dynamic_cast<Address&>(*second.address).any = 1;
+    EXPECT_FALSE(capability.isMute());
+    EXPECT_EQ(journal.text(),
+              "is any m1 address\n"
+              "is any m3 address\n");
+}
+
+// ---- Comparing capabilities ----
+
+class CapabilityEqualityOrder : public CapabilityOrder {
+protected:
+    CapabilityEqualityOrder() {
+        append(other, journal, "o1", "o1 address", "o1 a1");
+        append(other, journal, "o2", "o2 address", "o2 a1");
+        append(other, journal, "o3", "o3 address", "o3 a1");
+        for (const QOVA_Capability* const side : {&capability, &other}) {
+            for (QOVA_Media* const media : side->filteredMedia) {
+                delete media->amrwbParam;
+                media->amrwbParam = nullptr;
+                delete media->opusParam;
+                media->opusParam = nullptr;
+            }
+        }
+    }
+
+    QOVA_Capability other;
+};
+
+TEST_F(CapabilityEqualityOrder, AsksTheMediaPairByPair) {
+    EXPECT_TRUE(capability == other);
+    EXPECT_EQ(journal.text(),
+              "text of o1 address\n"
+              "differs m1 address from o1 address\n"
+              "compare m1 a1 with o1 a1\n"
+              "text of o2 address\n"
+              "differs m2 address from o2 address\n"
+              "compare m2 a1 with o2 a1\n"
+              "text of o3 address\n"
+              "differs m3 address from o3 address\n"
+              "compare m3 a1 with o3 a1\n");
+}
+
+TEST_F(CapabilityEqualityOrder, StopsAtTheFirstUnequalPair) {
+    dynamic_cast<Address&>(*second.address).differs = true;
+    EXPECT_FALSE(capability == other);
+    EXPECT_EQ(journal.text(),
+              "text of o1 address\n"
+              "differs m1 address from o1 address\n"
+              "compare m1 a1 with o1 a1\n"
+              "text of o2 address\n"
+              "differs m2 address from o2 address\n");
+}
+
+TEST_F(CapabilityEqualityOrder, AsksNoMediaWhenTheirNumbersDiffer) {
+    append(other, journal, "o4", "o4 address", "o4 a1");
+    EXPECT_FALSE(capability == other);
+    EXPECT_FALSE(other == capability);
+    EXPECT_EQ(journal.text(), "");
+}
+
+TEST_F(CapabilityEqualityOrder, AsksNoMediaWhenBothTextsDecide) {
+    capability.passThrough = other.passThrough = "the same";
+    EXPECT_TRUE(capability == other);
+    other.passThrough = "another";
+    EXPECT_FALSE(capability == other);
+    EXPECT_EQ(journal.text(), "");
+}
+
+TEST_F(CapabilityEqualityOrder, AsksNoMediaWhenOneTextIsEmpty) {
+    other.passThrough = "text";
+    EXPECT_FALSE(capability == other);
+    EXPECT_FALSE(other == capability);
+    EXPECT_EQ(journal.text(), "");
+}
+
+class FlagBeforeTheMedia : public CapabilityEqualityOrder,
+                           public testing::WithParamInterface<Change<QOVA_Capability>> {};
+
+TEST_P(FlagBeforeTheMedia, DecidesWithoutAskingAnyone) {
+    GetParam().apply(other);
+    EXPECT_FALSE(capability == other);
+    EXPECT_FALSE(other == capability);
+    EXPECT_EQ(journal.text(), "");
+}
+
+constexpr Change<QOVA_Capability> before_the_media[] = {
+    {"offer", [](QOVA_Capability& capability) { capability.offer = true; }},
+    {"hold", [](QOVA_Capability& capability) { capability.hold = true; }},
+    {"silenceSuppSdp", [](QOVA_Capability& capability) { capability.silenceSuppSdp = true; }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Capability, FlagBeforeTheMedia, testing::ValuesIn(before_the_media),
+                         name_of_row);
+
+// ---- Port plans ----
+
+using PortMove = void (QOVA_Capability::*)(const UDPAddr&, unsigned short, unsigned short);
+
+class PortPlanOrder : public CapabilityOrder, public testing::WithParamInterface<PortMove> {
+protected:
+    PortPlanOrder() { journal.clear(); }
+
+    // Shifts ports by 5, or by -5.
+    void move() { (capability.*GetParam())(to, 32005, 6666); }
+
+    const unsigned short shifted =
+        GetParam() == &QOVA_Capability::setPublicAddrPort ? 5 : 65536 - 5;
+    const UDPAddr to = UDPAddr(Address(journal, "to"), 5060);  // holds "to'"
+};
+
+const auto name_of_plan = [](const auto& plan) {
+    return plan.param == &QOVA_Capability::setPublicAddrPort ? "Public" : "Local";
+};
+INSTANTIATE_TEST_SUITE_P(To, PortPlanOrder,
+                         testing::Values(&QOVA_Capability::setPublicAddrPort,
+                                         &QOVA_Capability::setLocalAddrPort),
+                         name_of_plan);
+
+TEST_P(PortPlanOrder, FreesAndClonesMediaByMedia) {
+    move();
+    EXPECT_EQ(journal.text(),
+              "free m1 address\n"
+              "copy to'\n"
+              "free m2 address\n"
+              "copy to'\n"
+              "free m3 address\n"
+              "copy to'\n");
+}
+
+TEST_P(PortPlanOrder, DoesNotTouchRejectedMedia) {
+    second.mediaStatus = QOVA_Media::MS_REJECTED;
+    move();
+    EXPECT_EQ(journal.text(),
+              "free m1 address\n"
+              "copy to'\n"
+              "free m3 address\n"
+              "copy to'\n");
+}
+
+TEST_P(PortPlanOrder, ClonesForANullAddressToo) {
+    delete first.address;
+    first.address = nullptr;
+    journal.clear();
+    move();
+    EXPECT_EQ(journal.text(),
+              "copy to'\n"
+              "free m2 address\n"
+              "copy to'\n"
+              "free m3 address\n"
+              "copy to'\n");
+}
+
+TEST_P(PortPlanOrder, ShiftsThePortsOfAMediaOnceItHasItsAddress) {
+    bool failed = false;
+    {
+        const allocations::Failure failure(2);
+        try {
+            move();
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+    }
+    EXPECT_TRUE(failed);
+    EXPECT_EQ(journal.text(),
+              "free m1 address\n"
+              "copy to'\n"
+              "free m2 address\n"
+              "copy to'\n");
+    EXPECT_EQ(first.sndPort, shifted);
+    EXPECT_EQ(first.rcvPort2, shifted);
+    EXPECT_EQ(second.address, nullptr);
+    EXPECT_EQ(second.sndPort, 0);
+    EXPECT_EQ(second.rcvPort2, 0);
+    EXPECT_EQ(third.address->ToString(), "m3 address");
+    EXPECT_EQ(third.sndPort, 0);
+    EXPECT_EQ(third.rcvPort2, 0);
+}
+
+}  // namespace

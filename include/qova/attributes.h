@@ -8,11 +8,11 @@
 /// Two attributes are equal only if the one on the right is of exactly the class whose comparison
 /// the one on the left uses; then their own fields decide. The base's fields never do.
 ///
-/// **In C++20** the compiler also weighs the reversed comparison: a plain `a == b` of two objects of
-/// the same derived class may draw a warning, one of two different derived classes does not compile,
-/// and with a reference to the base on the left and a derived object on the right it asks the right
-/// one. `a.operator==(b)` is quiet and asks `a` in every language version; so does `==` between two
-/// references to the base.
+/// **In C++20** the compiler also weighs the reversed comparison: a plain `a == b` of two objects
+/// of the same derived class may draw a warning, one of two different derived classes does not
+/// compile, and with a reference to the base on the left and a derived object on the right it asks
+/// the right one. `a.operator==(b)` is quiet and asks `a` in every language version; so does `==`
+/// between two references to the base.
 
 #ifndef QOVA_ATTRIBUTES_H
 #define QOVA_ATTRIBUTES_H

@@ -151,7 +151,7 @@ Options read_options(const std::string& command, const std::vector<std::string>&
         } else if (is_move && option == "--fax-port") {
             options.fax_port = port_option(option, value());
         } else {
-            misuse(command + " has no option " + option);
+            misuse(std::string(command).append(" has no option ").append(option));
         }
     }
     return options;

@@ -690,8 +690,44 @@ void read_address(const Line* of_session, const Section& section, QOVA_Media& me
     media.address = address;
 }
 
-bool is_held(const QOVA_Media& media) {
-    return !media.brcv || media.address->IsAny() != 0;
+// What the session says for the lines that do not say it themselves.
+struct SessionDefaults {
+    const Line* connection;
+    std::optional<bool> silence;
+    sdp_mode_t mode;
+};
+
+// Reads a line of a known kind; the media is new.
+void read_media(const SessionDefaults& defaults, const MediaLine& line, const Section& section,
+                const sdp_media_t& parsed, QOVA_Media& media) {
+    read_ports(line, section, media);
+    read_address(defaults.connection, section, media);
+    const unsigned mode = sdp_attribute_mode(parsed.m_attributes, defaults.mode);
+    media.bsnd = (mode & sdp_sendonly) != 0;
+    media.brcv = (mode & sdp_recvonly) != 0;
+    if (media.mediaType == QOVA_Media::MT_AUDIO) {
+        const std::optional<bool> silence = silence_suppression(section);
+        read_audio(parsed, section, silence ? silence : defaults.silence, media);
+    } else if (media.mediaType == QOVA_Media::MT_FAX) {
+        read_fax(line.transport, section, media);
+    } else if (media.mediaType == QOVA_Media::MT_VIDEO) {
+        read_video(parsed, section, media);
+    } else {
+        read_data(parsed, media);
+    }
+    for (const Line& attribute : section) {
+        if (attribute.type == 'a' && same(attribute.name, "crypto")) {
+            read_crypto(attribute, media);
+        }
+    }
+}
+
+bool is_on_hold(const QOVA_Capability& capability) {
+    const std::list<QOVA_Media*> audio =
+        capability.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_ACCEPTED);
+    return !audio.empty() && std::all_of(audio.begin(), audio.end(), [](const QOVA_Media* media) {
+        return !media->brcv || media->address->IsAny() != 0;
+    });
 }
 
 // --- Pass-through -------------------------------------------------------------------------------
@@ -747,57 +783,34 @@ Reading read(const Description& description, Role role) {
     }
 
     const Section& session = description.sections.front();
-    const Line* const session_connection = first_connection(session);
-    const std::optional<bool> session_silence = silence_suppression(session);
-    const sdp_mode_t session_mode = sdp_attribute_mode(parsed->sdp_attributes, sdp_sendrecv);
-    Reading reading{std::make_unique<QOVA_Capability>(), {}};
+    const SessionDefaults defaults = {first_connection(session), silence_suppression(session),
+                                      sdp_attribute_mode(parsed->sdp_attributes, sdp_sendrecv)};
+    Reading reading;
+    reading.capability = std::make_unique<QOVA_Capability>();
     QOVA_Capability& capability = *reading.capability;
     capability.offer = role == Role::OFFER;
-    capability.silenceSuppSdp = session_silence.value_or(false);
-    bool any_audio = false;
-    bool all_held = true;
+    capability.silenceSuppSdp = defaults.silence.value_or(false);
     const sdp_media_t* parsed_media = parsed->sdp_media;
     for (std::size_t i = 0; i < media_lines.size(); ++i, parsed_media = parsed_media->m_next) {
         const Section& section = description.sections[i + 1];
         if (parsed_media == nullptr || parsed_media->m_port != media_lines[i].port) {
             throw Refusal(section.front().number, "the SDP parser reads this line otherwise");
         }
-        const std::optional<bool> silence = silence_suppression(section);
-        capability.silenceSuppSdp = capability.silenceSuppSdp || silence.value_or(false);
+        if (silence_suppression(section).value_or(false)) {
+            capability.silenceSuppSdp = true;
+        }
         const QOVA_Media::e_MediaType kind = kind_of(media_lines[i], *parsed_media);
         if (kind == QOVA_Media::MT_NIL) {
             pass_through(description, section, capability.passThrough);
             reading.media.push_back(nullptr);
-            continue;
-        }
-        QOVA_Media& media = append(capability.filteredMedia, std::make_unique<QOVA_Media>());
-        reading.media.push_back(&media);
-        media.mediaType = kind;
-        read_ports(media_lines[i], section, media);
-        read_address(session_connection, section, media);
-        const unsigned mode = sdp_attribute_mode(parsed_media->m_attributes, session_mode);
-        media.bsnd = (mode & sdp_sendonly) != 0;
-        media.brcv = (mode & sdp_recvonly) != 0;
-        if (kind == QOVA_Media::MT_AUDIO) {
-            read_audio(*parsed_media, section, silence ? silence : session_silence, media);
-            if (media.mediaStatus != QOVA_Media::MS_REJECTED) {
-                any_audio = true;
-                all_held = all_held && is_held(media);
-            }
-        } else if (kind == QOVA_Media::MT_FAX) {
-            read_fax(media_lines[i].transport, section, media);
-        } else if (kind == QOVA_Media::MT_VIDEO) {
-            read_video(*parsed_media, section, media);
         } else {
-            read_data(*parsed_media, media);
-        }
-        for (const Line& line : section) {
-            if (line.type == 'a' && same(line.name, "crypto")) {
-                read_crypto(line, media);
-            }
+            QOVA_Media& media = append(capability.filteredMedia, std::make_unique<QOVA_Media>());
+            media.mediaType = kind;
+            read_media(defaults, media_lines[i], section, *parsed_media, media);
+            reading.media.push_back(&media);
         }
     }
-    capability.hold = any_audio && all_held;
+    capability.hold = is_on_hold(capability);
     return reading;
 }
 

@@ -235,7 +235,7 @@ AddressField connection_address(const Line& line) {
 
 AddressField origin_address(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() != 6) {
+    if (fields.size() < 6) {
         throw Refusal(line.number, "o= needs six fields");
     }
     return address_field(line.number, &fields[3]);

@@ -74,7 +74,7 @@ class Description {
 public:
     // The text must outlive this object. Lines end with LF, CR LF or CR.
     // Throws Refusal where the text does not have the outer form of one description.
-    explicit Description(const std::string& text);
+    explicit Description(const std::string& whole);
 
     std::string_view text;
     std::vector<Section> sections;  // the session's, then one for each m= line, which opens it

@@ -734,8 +734,12 @@ TEST(SdpRefusal, OfAddresses) {
               "7: the address is of another family than its label says");
     EXPECT_EQ(of_address("IN IP6 10.0.0.1"),
               "7: the address is of another family than its label says");
-    EXPECT_EQ(of_address("ATM NSAP 47.0091").substr(0, 3), "7: ");
-    EXPECT_EQ(of_address("IN IP4").substr(0, 3), "7: ");
+    EXPECT_EQ(of_address("ATM NSAP 47.0091"), "7: the SDP parser refuses this c= line");
+    EXPECT_EQ(of_address("IN IP4"), "7: the SDP parser refuses this c= line");
+    EXPECT_EQ(of_address("IN IP4 10.0.0.1 x"),
+              "7: c= needs a net type, an address type and an address");
+    EXPECT_EQ(refusal_of_attribute("a=rtcp:5005 ATM NSAP 47.0091"),
+              "7: the address is neither IN IP4 nor IN IP6");
     EXPECT_EQ(refusal_of(lines({"v=0", "o=- 1 1 IN IP4 h", "c=IN IP4 host.example.com",
                                 "m=audio 5004 RTP/AVP 0"})),
               "3: the address is none (host names are not looked up)");

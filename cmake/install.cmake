@@ -1,0 +1,63 @@
+# What `cmake --install` and `cpack` put where. Nothing here needs the prefix to stay where it is.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qova)
+
+install(TARGETS qova qova_companion EXPORT qovaTargets)
+install(EXPORT qovaTargets NAMESPACE qova:: DESTINATION ${package_dir})
+set_target_properties(qova_companion PROPERTIES EXPORT_NAME companion)
+set_target_properties(qova PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(DIRECTORY include/qova TYPE INCLUDE)
+
+set(libdir ${CMAKE_INSTALL_FULL_LIBDIR})
+set(includedir ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+set(prefix_from_pc ${CMAKE_INSTALL_PREFIX})
+cmake_path(RELATIVE_PATH prefix_from_pc BASE_DIRECTORY ${libdir}/pkgconfig)
+cmake_path(RELATIVE_PATH libdir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
+cmake_path(RELATIVE_PATH includedir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
+
+# Another companion has its own headers, and is found by whoever builds against it.
+if(QOVA_COMPANION_TARGET STREQUAL "")
+    install(DIRECTORY companion/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-companion
+        FILES_MATCHING PATTERN *.h)
+    set(companion_cflags " -I\${includedir}/qova-companion")
+    set(companion_libs " -lqova_companion")
+endif()
+
+configure_package_config_file(cmake/qovaConfig.cmake.in qovaConfig.cmake
+    INSTALL_DESTINATION ${package_dir}
+    NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/qovaConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+configure_file(cmake/qova.pc.in qova.pc @ONLY)
+install(FILES
+    ${CMAKE_CURRENT_BINARY_DIR}/qovaConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/qovaConfigVersion.cmake
+    DESTINATION ${package_dir})
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/qova.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(NOT PROJECT_IS_TOP_LEVEL)
+    return()
+endif()
+
+if(TARGET qova-sdp)
+    set(libraries_from_bin ${CMAKE_INSTALL_FULL_LIBDIR})
+    cmake_path(RELATIVE_PATH libraries_from_bin BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR})
+    set_target_properties(qova-sdp PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_bin}")
+    install(TARGETS qova-sdp)
+endif()
+
+# All pages keep their place to each other, so that the links between them hold.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md TYPE DOC OPTIONAL)
+install(FILES examples/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples OPTIONAL)
+install(DIRECTORY docs TYPE DOC
+    FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|h|gdb|txt)$")
+
+# One archive for each target: `tar -C SYSROOT -xf` it.
+set(CPACK_GENERATOR TGZ)
+set(CPACK_PACKAGE_VENDOR qova)
+set(CPACK_PACKAGE_FILE_NAME qova-${PROJECT_VERSION}-${CMAKE_LIBRARY_ARCHITECTURE})
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)

@@ -1,0 +1,87 @@
+// The code of log.md: everything that a log text can show.
+
+#include <iostream>
+#include <sstream>
+#include <string>
+
+#include "netconf/sdp.h"
+#include "ownership.h"
+#include "qova/attributes.h"
+#include "qova/capability.h"
+#include "qova/crypto.h"
+#include "socket/address.h"
+
+namespace {
+
+void fill(QOVA_Capability& capability) {
+    IPAddress address;
+    IPAddress::Parse("192.0.2.7", address);
+
+    capability.offer = true;
+    capability.marked = true;
+    capability.passThrough = "m=text 11000 RTP/AVP 98";
+
+    QOVA_Media& audio = append<QOVA_Media>(capability.filteredMedia);
+    audio.mediaType = QOVA_Media::MT_AUDIO;
+    set_address(audio, address);
+    audio.sndPort = 32000;
+    audio.sndPort2 = 32001;
+    audio.rcvPort = 32000;
+    audio.rcvPort2 = 32001;
+    audio.amrwbParam->octetAlign = 1;
+    audio.opusParam->useDtx = true;
+
+    QOVA_AudioAttribute& payload = append<QOVA_AudioAttribute>(audio.attributes);
+    payload.codec = CODEC_G722_2;
+    payload.status = QOVA_Media::MS_ACCEPTED;
+    payload.framing = 20;
+    payload.mxFraming = 40;
+    payload.mf = static_cast<QOVA_Codec>(101);
+
+    QOVA_Crypto& crypto = append<QOVA_Crypto>(audio.cryptos);
+    crypto.tag = 1;
+    crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
+    QOVA_CryptoKey key = {};
+    key.lifetime = 1048576;
+    key.mki[0] = 5;
+    key.mkiSize = 1;
+    crypto.keys.push_back(key);
+    audio.cryptoCount = 1;
+
+    QOVA_Media& fax = append<QOVA_Media>(capability.filteredMedia);
+    fax.mediaType = QOVA_Media::MT_FAX;
+    fax.mediaStatus = QOVA_Media::MS_REJECTED;
+    set_address(fax, address);
+    QOVA_FaxAttribute& t38 = append<QOVA_FaxAttribute>(fax.attributes);
+    t38.transport = FT_T38_UDPTL;
+    t38.mxRate = 14400;
+    t38.rateMgt = RM_TRFTCF;
+    t38.mxBuffer = 2000;
+    t38.mxDgram = 512;
+    t38.errCorr = 1;
+}
+
+// [lines]
+// One log entry for each line, for a log that takes only lines.
+void log_lines(const QOVA_Capability& capability) {
+    std::istringstream text(capability);
+    for (std::string line; std::getline(text, line);) {
+        std::cout << "call 7: " << line << '\n';
+    }
+}
+// [lines]
+
+}  // namespace
+
+int main() {
+    QOVA_Capability capability;
+    fill(capability);
+
+    // [whole]
+    const std::string text = capability;
+    std::cout << text;
+    // [whole]
+
+    std::cout << "--\n";
+    log_lines(capability);
+}

@@ -32,8 +32,10 @@ namespace Sdp {
 /// is ABI.
 class Sdp_Amrwb_Param {
 public:
-    /// The value of a parameter that was not given.
-    enum : int { ABSENT = 255 };
+    /// What stands for no value.
+    enum : int {
+        ABSENT = 255  ///< The parameter was not given.
+    };
 
     int octetAlign = ABSENT;            ///< `octet-align`
     std::list<int> modeSet;             ///< `mode-set`; empty when not given

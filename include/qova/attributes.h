@@ -23,7 +23,8 @@
 #include "qova/export.h"
 #include "qova/media.h"
 
-/// One payload attribute of a media line.
+/// One payload of a media line: a format of its `m=` line with the `a=rtpmap` and `a=fmtp` of that
+/// format (RFC 4566, sections 5.14 and 6).
 class QOVA_API QOVA_MediaAttribute {
 public:
     /// Outcome of the negotiation for this payload. No comparison looks at it, and only an audio
@@ -38,6 +39,7 @@ public:
     virtual ~QOVA_MediaAttribute();
 
     /// A new object of the same class with the same fields, #status and #attributeType included.
+    /// One allocation.
     /// @return an object that the caller owns
     /// @throws std::bad_alloc when memory runs out
     virtual QOVA_MediaAttribute* clone() const = 0;
@@ -48,7 +50,7 @@ public:
     virtual operator const std::string() const = 0;
 
     /// Whether this attribute equals another. The base says no to everything, itself included: a
-    /// class that does not override this has no equal.
+    /// class that does not override this has no equal. Allocates nothing, throws nothing.
     /// @param other the attribute to compare with
     /// @return false
     virtual bool operator==(const QOVA_MediaAttribute& other) const;
@@ -91,7 +93,7 @@ public:
     bool operator==(const QOVA_MediaAttribute& other) const override;
 };
 
-/// One video payload. It has no fields of its own.
+/// One video payload (RFC 3551). It has no fields of its own.
 class QOVA_API QOVA_VideoAttribute : public QOVA_MediaAttribute {
 public:
     /// @copydoc QOVA_MediaAttribute::clone
@@ -119,10 +121,10 @@ enum QOVA_FaxRateMgt : int {
 /// One T.38 fax transport with its parameters (ITU-T T.38 Annex D).
 class QOVA_API QOVA_FaxAttribute : public QOVA_MediaAttribute {
 public:
-    /// Redundancy; stored and printed as it is. Default: 0.
+    /// Redundancy, in the owner's unit; stored and printed as it is. Default: 0.
     unsigned int red = 0;
 
-    /// Depth; stored and printed as it is. Default: 0.
+    /// Depth, in the owner's unit; stored and printed as it is. Default: 0.
     unsigned int depth = 0;
 
     /// Highest bit rate (`T38MaxBitRate`) in bit/s. Default: 0.
@@ -167,7 +169,8 @@ public:
     bool operator==(const QOVA_MediaAttribute& other) const override;
 };
 
-/// One data payload.
+/// One data payload: a format of a line such as `m=application` or `m=message` (RFC 4566, section
+/// 5.14).
 class QOVA_API QOVA_DataAttribute : public QOVA_MediaAttribute {
 public:
     /// The payload's type; its coding is the owner's. Compared, but not printed. Default: 0.

@@ -17,7 +17,8 @@
 
 class UDPAddr;
 
-/// The media capability of one side of a call.
+/// The media capability of one side of a call: what a session description offers or answers
+/// (RFC 3264).
 class QOVA_API QOVA_Capability {
 public:
     /// The first ports of the local plan, from which setPublicAddrPort() and setLocalAddrPort()
@@ -44,18 +45,20 @@ public:
     /// The call is on hold (RFC 3264, section 8.4). Default: false.
     bool hold = false;
 
-    unsigned char spare1 = 0;  ///< For the owner's use; copied, but never compared or printed.
+    unsigned char spare1 = 0;  ///< The owner's; copied, never compared or printed. Default: 0.
     unsigned char spare2 = 0;  ///< @copydoc spare1
     unsigned char spare3 = 0;  ///< @copydoc spare1
 
     /// Silence suppression is signalled in SDP (`a=silenceSupp`, RFC 3108). Default: false.
     bool silenceSuppSdp = false;
 
-    /// An empty capability with the defaults that stand beside the members.
+    /// An empty capability with the defaults that stand beside the members. Allocates nothing,
+    /// throws nothing.
     QOVA_Capability() = default;
 
     /// A deep copy. Each media is copied through its virtual `clone`, so an object of a class
-    /// derived from QOVA_Media keeps its class.
+    /// derived from QOVA_Media keeps its class. Linear; one allocation for each owned object and
+    /// each list node, and one for a long #passThrough.
     /// @param other the source
     /// @throws std::bad_alloc when memory runs out; nothing leaks
     QOVA_Capability(const QOVA_Capability& other);
@@ -68,7 +71,8 @@ public:
     /// of their source.
     ///
     /// **Assigning a capability to itself empties #filteredMedia** and keeps the rest: there is no
-    /// guard, and the list that is freed first is the one that would be copied.
+    /// guard, and the list that is freed first is the one that would be copied. It stays so because
+    /// built programs can see it.
     ///
     /// After a failure this capability holds only part of the media (and perhaps its old
     /// #passThrough); it can be destroyed and assigned again.
@@ -92,7 +96,7 @@ public:
     /// @throws std::bad_alloc when there is no memory for an address text
     bool operator==(const QOVA_Capability& other) const;
 
-    /// All media of the given kind and status, in list order.
+    /// All media of the given kind and status, in list order. Linear.
     /// @param type the kind to look for
     /// @param status the status to look for; QOVA_Media::MS_UNKNOWN matches any
     /// @return borrowed pointers, valid until #filteredMedia changes; one allocation for each
@@ -106,8 +110,8 @@ public:
     /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
     QOVA_Media* find(QOVA_Codec codec) const;
 
-    /// The first fax media that has an attribute with the given transport; otherwise as
-    /// find(QOVA_Codec) const.
+    /// The first fax media that has an attribute with the given transport. Linear; allocates
+    /// nothing, throws nothing.
     /// @param transport the transport to look for
     /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
     QOVA_Media* find(QOVA_FaxTransport transport) const;
@@ -119,15 +123,18 @@ public:
     QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
 
     /// Whether at least one audio media is mute (QOVA_Media::isMute). Other kinds play no part.
+    /// Linear; allocates nothing, throws nothing.
     /// @return false also when there is no audio media
     bool isMute() const;
 
     /// Sets QOVA_Media::rcvPort and QOVA_Media::sndPort of the first media of the given kind to 0.
-    /// Its status, its second ports and every other media stay as they are.
+    /// Its status, its second ports and every other media stay as they are. Linear; allocates
+    /// nothing, throws nothing.
     /// @param type the kind to reject
     void rejectMedia(QOVA_Media::e_MediaType type);
 
-    /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media.
+    /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media; nothing else changes.
+    /// Linear; allocates nothing, throws nothing.
     void ClearMediaDirection();
 
     /// Moves every media that is not rejected from the local plan to a public one. Each gets a copy
@@ -158,6 +165,10 @@ public:
 
     /// The log text: a summary of the flags, the media's texts, and #passThrough whole. It holds no
     /// key material unless #passThrough does. Linear in the length of the text.
+    ///
+    /// Every compiler takes `const std::string text = capability;` and
+    /// `static_cast<const std::string&>(capability)`. Clang takes no assignment to an existing
+    /// string and, before C++17, no cast to `std::string`, because the result is const.
     /// @return the text
     /// @throws std::bad_alloc when memory runs out; the text is never cut short instead
     operator const std::string() const;

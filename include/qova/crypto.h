@@ -13,9 +13,9 @@
 #include "netconf/sdp.h"
 #include "qova/export.h"
 
-/// One key parameter of a crypto line: lifetime, master key identifier and key material. A plain
-/// record, copied as one block of bytes. It leaves its fields to whoever fills it; `= {}` makes
-/// them all zero.
+/// One key parameter of a crypto line (`inline:`, RFC 4568, section 6.1): lifetime, master key
+/// identifier and key material. A plain record, copied as one block of bytes. It leaves its fields
+/// to whoever fills it; `= {}` makes them all zero.
 struct QOVA_CryptoKey {
     /// Lifetime of the master key in packets.
     unsigned int lifetime;
@@ -33,7 +33,7 @@ struct QOVA_CryptoKey {
     unsigned char key[46];
 };
 
-/// One SRTP crypto line.
+/// One SRTP crypto line (`a=crypto`, RFC 4568).
 ///
 /// It is copied and cloned, but never assigned: the library declares no assignment and uses none.
 /// Owners replace a crypto line by deleting it and cloning another.
@@ -51,12 +51,13 @@ public:
     /// Frees the key entries.
     virtual ~QOVA_Crypto();
 
-    /// A new copy of this line, made by the copy constructor.
+    /// A new copy of this line, made by the copy constructor: one allocation, and one for each key
+    /// entry.
     /// @return an object that the caller owns
     /// @throws std::bad_alloc when memory runs out; nothing leaks
     virtual QOVA_Crypto* clone() const;
 
-    /// A line with the defaults that stand beside the members. Allocates nothing.
+    /// A line with the defaults that stand beside the members. Allocates nothing, throws nothing.
     QOVA_Crypto();
 
     /// A copy with key entries of its own: one allocation for each.
@@ -69,7 +70,7 @@ public:
     /// - lifetime, MKI length and all eight MKI bytes of the key entries are compared side by side
     ///   **until the shorter list ends**; a list equals every longer one that starts with it, and
     ///   an empty list equals any;
-    /// - **key material is never compared**;
+    /// - **key material is never compared**: a line may be compared where its keys are not known;
     /// - tag and suite must agree.
     ///
     /// Linear in the shorter list; allocates nothing, throws nothing.
@@ -77,8 +78,9 @@ public:
     /// @return whether no compared member differs
     bool operator==(const QOVA_Crypto& other) const;
 
-    /// The log text: one line with tag, suite and key entries, without key material. The MKI bytes
-    /// stand as decimal numbers with nothing between them.
+    /// The log text: one line with tag, suite and key entries. **It holds no key material**, as
+    /// logs go where keys must not. The MKI bytes stand as decimal numbers with nothing between
+    /// them. Linear in the length of the text.
     /// @return the text, which ends with a newline
     /// @throws std::bad_alloc when memory runs out
     operator const std::string() const;

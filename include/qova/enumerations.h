@@ -46,13 +46,14 @@ enum QOVA_EarlyMedia : int {
 };
 
 /// The printable name of a codec: "G711alaw", "OPUS" and so on; "DYN(101)" for the dynamic payload
-/// type 101 (96 to 127); "NIL" for #CODEC_NIL and for every other value.
+/// type 101 (96 to 127); "NIL" for #CODEC_NIL and for every other value. Allocates nothing, throws
+/// nothing.
 /// @param codec any value
 /// @return the name; at most 8 characters
 QOVA_API std::string ToString(QOVA_Codec codec);
 
 /// The SDP keyword of an early-media direction in lower case, "nil" for #EM_NIL, "unknown???" for
-/// any value without an enumerator.
+/// any value without an enumerator. Allocates nothing, throws nothing.
 /// @param direction any value
 /// @return the keyword; at most 10 characters
 QOVA_API std::string ToString(QOVA_EarlyMedia direction);

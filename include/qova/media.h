@@ -25,7 +25,8 @@ class Sdp_Amrwb_Param;
 class Sdp_Opus_Param;
 }  // namespace Sdp
 
-/// One media line of one side of a call.
+/// One media line of one side of a call: an `m=` line with what follows it (RFC 4566,
+/// section 5.14).
 ///
 /// A media built by this class's constructors always has an address and both parameter objects,
 /// and its lists hold no null elements. Copying relies on that; freeing passes null over. Code that
@@ -103,7 +104,7 @@ public:
     /// SRTP crypto lines (`a=crypto`, RFC 4568) in the order of preference, owned. Default: empty.
     std::list<QOVA_Crypto*> cryptos;
 
-    /// A new copy of this media, made by the copy constructor.
+    /// A new copy of this media, made by the copy constructor: one allocation more than that makes.
     /// @return an object that the caller owns
     /// @throws std::bad_alloc when memory runs out; nothing leaks
     virtual QOVA_Media* clone() const;
@@ -137,11 +138,12 @@ public:
     /// Whether two media say the same, by rules that are partial on purpose:
     /// - status, kind, directions, all four ports and #cryptoCount must agree;
     /// - the addresses are compared by asking this one whether it differs from the other's text;
-    /// - **the parameter objects are compared by identity**, as pointers. Every copy has objects of
-    ///   its own, so a media equals itself but not its copy, unless the owner of both has set the
-    ///   pointers to the same objects or to null;
-    /// - **attributes and crypto lines are compared side by side until the shorter list ends**; a
-    ///   list equals every longer one that starts with it, and an empty list equals any.
+    /// - **the parameter objects are compared by identity**, as pointers, since their classes offer
+    ///   no comparison. Every copy has objects of its own, so a media equals itself but not its
+    ///   copy, unless the owner of both has set the pointers to the same objects or to null;
+    /// - **attributes and crypto lines are compared side by side until the shorter list ends**, so
+    ///   that an answer that keeps the first payloads of an offer can equal it; a list equals every
+    ///   longer one that starts with it, and an empty list equals any.
     ///
     /// Linear in the shorter lists; allocates nothing but the other address's text.
     /// @param other the media to compare with
@@ -155,13 +157,15 @@ public:
     /// @return a borrowed pointer, valid until the list changes; null when there is none
     QOVA_AudioAttribute* find(QOVA_Codec codec) const;
 
-    /// The first fax attribute with the given transport; otherwise as find(QOVA_Codec) const.
+    /// The first fax attribute with the given transport, in list order. Objects of derived classes
+    /// are found too. Linear; allocates nothing, throws nothing.
     /// @param transport the transport to look for
     /// @return a borrowed pointer, valid until the list changes; null when there is none
     QOVA_FaxAttribute* find(QOVA_FaxTransport transport) const;
 
     /// The first audio attribute whose tone events (RFC 4733) are carried by the given payload,
-    /// that is whose QOVA_AudioAttribute::mf it is; otherwise as find(QOVA_Codec) const.
+    /// that is whose QOVA_AudioAttribute::mf it is. Objects of derived classes are found too.
+    /// Linear; allocates nothing, throws nothing.
     /// @param codec the payload of the tone events
     /// @return a borrowed pointer, valid until the list changes; null when there is none
     QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
@@ -175,6 +179,7 @@ public:
 
     /// Whether nothing can be received: the address designates no destination
     /// (`INetAddress::IsAny`), or #rcvPort is 0. The directions and the other ports play no part.
+    /// Constant; allocates nothing, throws nothing.
     /// @return whether the line is mute
     bool isMute() const;
 
@@ -185,13 +190,13 @@ public:
     operator const std::string() const;
 
     /// The printable name of a status: "Accepted", "Rejected", "Modified", or "Unknown" for
-    /// #MS_UNKNOWN and for any value without an enumerator.
+    /// #MS_UNKNOWN and for any value without an enumerator. Allocates nothing, throws nothing.
     /// @param status any value
     /// @return the name; at most 8 characters
     static std::string ToString(e_MediaStatus status);
 
     /// The printable name of a media kind: "Audio", "Video", "Fax", "Data", or "Nil" for #MT_NIL
-    /// and for any value without an enumerator.
+    /// and for any value without an enumerator. Allocates nothing, throws nothing.
     /// @param type any value
     /// @return the name; at most 5 characters
     static std::string ToString(e_MediaType type);

@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """The command line of qova-sdp: what it prints, where, and with which exit status.
 
 usage: program_test.py PROGRAM

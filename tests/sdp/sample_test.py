@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """What qova-sdp says about one sample, and that every move of it can be undone.
 
 usage: sample_test.py PROGRAM SAMPLE.sdp
@@ -27,7 +27,7 @@ class SampleTest(unittest.TestCase):
 
     def test_move_and_back(self):
         text = sample.read_bytes()
-#The last c = line is one of the media; some samples have no c = of the session.
+        # The last c= line is one of the media; some samples have no c= of the session.
         address = re.findall(rb"^c=IN IP[46] (\S+)", text, re.MULTILINE)[-1].decode()
         for target, audio, fax in PLANS:
             plan = ["--audio-port", audio, "--fax-port", fax]

@@ -22,9 +22,9 @@ struct Octet {
 };
 
 constexpr std::array<Octet, 256> make_octets() {
-    std::array<Octet, 256> octets = {};
-    for (unsigned value = 0; value < octets.size(); ++value) {
-        Octet& octet = octets[value];
+    std::array<Octet, 256> table = {};
+    for (unsigned value = 0; value < table.size(); ++value) {
+        Octet& octet = table[value];
         for (unsigned unit = 100; unit != 0; unit /= 10) {
             if (value >= unit || unit == 1) {
                 octet.text[octet.length++] = static_cast<char>('0' + value / unit % 10);
@@ -32,7 +32,7 @@ constexpr std::array<Octet, 256> make_octets() {
         }
         octet.text[octet.length++] = '.';
     }
-    return octets;
+    return table;
 }
 
 constexpr std::array<Octet, 256> octets = make_octets();

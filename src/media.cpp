@@ -13,34 +13,56 @@ namespace {
 
 using Position = std::list<QOVA_MediaAttribute*>::const_iterator;
 
+// The first of a class, or of one derived from it, with a given value in a member; or else another.
 template <class Wanted, class Value>
 [[gnu::noinline]] Wanted* find_derived(Position at, Position end, Value Wanted::*member,
-                                       Value value) {
+                                       Value value, Wanted* otherwise) {
     for (; at != end; ++at) {
         Wanted* const candidate = dynamic_cast<Wanted*>(*at);
         if (candidate != nullptr && candidate->*member == value) {
             return candidate;
         }
     }
-    return nullptr;
+    return otherwise;
+}
+
+template <class Wanted>
+bool is_plain(const QOVA_MediaAttribute* attribute) {
+    if (attribute == nullptr) {
+        return false;
+    }
+    const QOVA_MediaAttribute& object = *attribute;  // typeid of a pointer's target tests it again
+    return &typeid(object) == &typeid(Wanted);
 }
 
 // The first attribute of a class, or of one derived from it, with a given value in a member; or
-// null. Nearly every list holds one class only, exactly: dynamic_cast, which is slow, comes in from
-// the first element on that is something else.
+// null. Most of the time goes into waiting for the next element: so the list is walked from both
+// ends, and two are waited for at once. Nearly every list holds one class only, exactly:
+// dynamic_cast, which is slow, takes over what is left from an element that is something else.
 template <auto member, class Wanted, class Value>
 Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value value) {
-    for (Position at = attributes.begin(); at != attributes.end(); ++at) {
-        QOVA_MediaAttribute* const attribute = *at;
-        if (attribute == nullptr || &typeid(*attribute) != &typeid(Wanted)) {
-            return find_derived<Wanted, Value>(at, attributes.end(), member, value);
+    Wanted* found = nullptr;  // the foremost of those at the back
+    Position last = attributes.end();
+    for (Position first = attributes.begin(); first != last; ++first) {
+        if (!is_plain<Wanted>(*first)) {
+            return find_derived<Wanted, Value>(first, last, member, value, found);
         }
-        Wanted* const candidate = static_cast<Wanted*>(attribute);
-        if (candidate->*member == value) {
-            return candidate;
+        Wanted* const front = static_cast<Wanted*>(*first);
+        if (front->*member == value) {
+            return front;
+        }
+        if (first == --last) {
+            break;
+        }
+        if (!is_plain<Wanted>(*last)) {
+            return find_derived<Wanted, Value>(++first, ++last, member, value, found);
+        }
+        Wanted* const back = static_cast<Wanted*>(*last);
+        if (back->*member == value) {
+            found = back;
         }
     }
-    return nullptr;
+    return found;
 }
 
 // Puts a copy in the place of an owned object, which is freed first. The pointer is null while
@@ -117,8 +139,10 @@ QOVA_Media* QOVA_Media::clone() const {
 }
 
 bool QOVA_Media::operator==(const QOVA_Media& other) const {
-    if (mediaStatus != other.mediaStatus || mediaType != other.mediaType ||
-        *address != other.address->ToString()) {
+    if (mediaStatus != other.mediaStatus || mediaType != other.mediaType) {
+        return false;
+    }
+    if (*address != other.address->ToString()) {
         return false;
     }
     return bsnd == other.bsnd && brcv == other.brcv && sndPort == other.sndPort &&

@@ -1101,6 +1101,44 @@ TEST(MediaSearch, ByClassPassesNullElementsOver) {
     EXPECT_EQ(media.find(FT_T38_UDPTL), nullptr);
 }
 
+// The list is walked from both ends, with a slower way round what is not plainly of the class:
+// every arrangement of matching, other, derived, foreign and null elements gives the first that
+// matches.
+TEST(MediaSearch, FindsTheFirstMatchInEveryArrangement) {
+    enum Kind { NOTHING, FOREIGN, OTHER, MATCH, DERIVED_OTHER, DERIVED_MATCH, KINDS };
+    const auto make = [](int kind) -> std::unique_ptr<QOVA_MediaAttribute> {
+        if (kind == NOTHING) {
+            return nullptr;
+        }
+        if (kind == FOREIGN) {
+            return std::make_unique<QOVA_FaxAttribute>();
+        }
+        const bool is_derived = kind == DERIVED_OTHER || kind == DERIVED_MATCH;
+        auto audio =
+            is_derived ? std::make_unique<DerivedAudio>() : std::make_unique<QOVA_AudioAttribute>();
+        audio->codec = kind == MATCH || kind == DERIVED_MATCH ? CODEC_OPUS : CODEC_G729;
+        return audio;
+    };
+    constexpr int longest = 5;
+    int arrangements = 1;
+    for (int length = 0; length <= longest; ++length, arrangements *= KINDS) {
+        for (int arrangement = 0; arrangement < arrangements; ++arrangement) {
+            QOVA_Media media;
+            const QOVA_MediaAttribute* first_match = nullptr;
+            std::string kinds;
+            for (int i = 0, rest = arrangement; i < length; ++i, rest /= KINDS) {
+                const int kind = rest % KINDS;
+                kinds += std::to_string(kind);
+                media.attributes.push_back(make(kind).release());
+                if (first_match == nullptr && (kind == MATCH || kind == DERIVED_MATCH)) {
+                    first_match = media.attributes.back();
+                }
+            }
+            ASSERT_EQ(media.find(CODEC_OPUS), first_match) << "kinds " << kinds;
+        }
+    }
+}
+
 TEST(MediaSearch, ByTypeAndStatusWantsBoth) {
     QOVA_Media media;
     auto& rejected = append_audio(media, CODEC_G711_ALAW);

@@ -1,0 +1,46 @@
+// Objects that a second copy of the library made are of the same classes as ours, though the
+// addresses of their type information say otherwise.
+
+#include "second_copy.h"
+
+#include <gtest/gtest.h>
+
+#include <typeinfo>
+
+#include "equality.h"
+
+namespace {
+
+struct SecondCopy : testing::Test {
+    const std::unique_ptr<QOVA_Media> ours = make_media();
+    const std::unique_ptr<QOVA_Media> theirs = make_media_of_second_copy();
+};
+
+TEST_F(SecondCopy, HasTypeInformationOfItsOwn) {
+    const QOVA_MediaAttribute& audio = *theirs->attributes.front();
+    EXPECT_NE(&typeid(audio), &typeid(QOVA_AudioAttribute));
+    EXPECT_EQ(typeid(audio), typeid(QOVA_AudioAttribute));
+}
+
+TEST_F(SecondCopy, HasEqualAttributes) {
+    auto their = theirs->attributes.begin();
+    for (const QOVA_MediaAttribute* our : ours->attributes) {
+        expect_equal(*our, **their++);
+    }
+    expect_unequal(*ours->attributes.front(), *theirs->attributes.back());
+}
+
+TEST_F(SecondCopy, HasEqualCryptoLines) {
+    expect_equal(*ours->cryptos.front(), *theirs->cryptos.front());
+}
+
+TEST_F(SecondCopy, HasAttributesThatAreFound) {
+    EXPECT_EQ(theirs->find(CODEC_NIL), theirs->attributes.front());
+    EXPECT_EQ(theirs->find(FT_NIL), *std::next(theirs->attributes.begin()));
+}
+
+TEST_F(SecondCopy, HasTheSameText) {
+    EXPECT_EQ(static_cast<std::string>(*theirs), static_cast<std::string>(*ours));
+}
+
+}  // namespace

@@ -1,5 +1,7 @@
 #include "qova/capability.h"
 
+#include <algorithm>
+
 #include "owned_list.h"
 #include "qova/attributes.h"
 #include "socket/address.h"
@@ -87,7 +89,8 @@ bool QOVA_Capability::operator==(const QOVA_Capability& other) const {
         return passThrough == other.passThrough;  // which decides alone: no media is looked at
     }
     return filteredMedia.size() == other.filteredMedia.size() &&
-           qova::equal_side_by_side(filteredMedia, other.filteredMedia);
+           std::equal(filteredMedia.begin(), filteredMedia.end(), other.filteredMedia.begin(),
+                      [](const QOVA_Media* l, const QOVA_Media* r) { return *l == *r; });
 }
 
 std::list<QOVA_Media*> QOVA_Capability::find(QOVA_Media::e_MediaType type,

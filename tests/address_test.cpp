@@ -561,6 +561,13 @@ TEST(UdpAddress, AssignmentToItselfChangesNothing) {
     EXPECT_EQ(endpoint.port, 5060);
 }
 
+TEST(UdpAddress, CanBeDestroyedWhenItsAddressWasTakenAway) {
+    UDPAddr endpoint(parsed("192.0.2.1"), 5060);
+    const std::unique_ptr<INetAddress> taken(endpoint.ipAddress);
+    endpoint.ipAddress = nullptr;
+    EXPECT_EQ(taken->ToString(), "192.0.2.1");
+}
+
 TEST(UdpAddress, FailedAssignmentChangesNothing) {
     UDPAddr target(parsed("192.0.2.1"), 1);
     const UDPAddr source(parsed("192.0.2.2"), 2);

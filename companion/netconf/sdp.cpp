@@ -28,7 +28,13 @@ public:
     explicit ParameterText(const char* format_name) : name(format_name) {}
 
     void add(const char* parameter, const std::string& value) {
-        text += text.empty() ? std::string(" ") + name + "(" : "; ";
+        if (text.empty()) {
+            text += ' ';
+            text += name;
+            text += '(';
+        } else {
+            text += "; ";
+        }
         text += parameter;
         text += '=';
         text += value;

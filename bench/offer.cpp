@@ -67,8 +67,14 @@ void fill_video(QOVA_Media& media) {
     media.attributes.push_back(video);
 }
 
-QOVA_Media* make_media(int line) {
+QOVA_Media* make_media(int line, bool with_parameters) {
     auto* const media = new QOVA_Media;
+    if (!with_parameters) {
+        delete media->amrwbParam;
+        media->amrwbParam = nullptr;
+        delete media->opusParam;
+        media->opusParam = nullptr;
+    }
     IPAddress address;
     IPAddress::Parse("10.1." + std::to_string(line / 250) + "." + std::to_string(line % 250 + 1),
                      address);
@@ -103,13 +109,21 @@ QOVA_Media* last_of(QOVA_Media::e_MediaType type, const QOVA_Capability& capabil
     return found;
 }
 
-void remove_parameters(QOVA_Capability& capability) {
-    for (QOVA_Media* media : capability.filteredMedia) {
-        delete media->amrwbParam;
-        media->amrwbParam = nullptr;
-        delete media->opusParam;
-        media->opusParam = nullptr;
+QOVA_Capability make_capability(int lines, bool with_parameters) {
+    QOVA_Capability capability;
+    capability.offer = true;
+    for (int line = 0; line < lines; ++line) {
+        capability.filteredMedia.push_back(make_media(line, with_parameters));
     }
+    if (const QOVA_Media* audio = last_of(QOVA_Media::MT_AUDIO, capability)) {
+        auto& payload = static_cast<QOVA_AudioAttribute&>(*audio->attributes.back());
+        payload.codec = offer::last_codec;
+        payload.mf = offer::last_codec;
+    }
+    if (const QOVA_Media* fax = last_of(QOVA_Media::MT_FAX, capability)) {
+        static_cast<QOVA_FaxAttribute&>(*fax->attributes.back()).transport = offer::last_transport;
+    }
+    return capability;
 }
 
 void change_last_member(QOVA_Media& last) {
@@ -181,25 +195,11 @@ std::string fax_sdp(const QOVA_Media& media) {
 }  // namespace
 
 QOVA_Capability offer::make(int lines) {
-    QOVA_Capability capability;
-    capability.offer = true;
-    for (int line = 0; line < lines; ++line) {
-        capability.filteredMedia.push_back(make_media(line));
-    }
-    if (const QOVA_Media* audio = last_audio(capability)) {
-        auto& payload = static_cast<QOVA_AudioAttribute&>(*audio->attributes.back());
-        payload.codec = last_codec;
-        payload.mf = last_codec;
-    }
-    if (const QOVA_Media* fax = last_of(QOVA_Media::MT_FAX, capability)) {
-        static_cast<QOVA_FaxAttribute&>(*fax->attributes.back()).transport = last_transport;
-    }
-    return capability;
+    return make_capability(lines, true);
 }
 
-offer::Pair::Pair(int lines, bool equal) : left(make(lines)), right(make(lines)) {
-    remove_parameters(left);
-    remove_parameters(right);
+offer::Pair::Pair(int lines, bool equal)
+    : left(make_capability(lines, false)), right(make_capability(lines, false)) {
     if (!equal) {
         change_last_member(*right.filteredMedia.back());
     }

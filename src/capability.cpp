@@ -171,7 +171,7 @@ QOVA_Capability::operator const std::string() const {
     }
     std::string text;
     text.reserve(length);
-    text += "Capability(";
+    text = "Capability(";
     text += offer ? "offer, " : "answer, ";
     text += hold ? "Hold, " : "Not Hold, ";
     text += silenceSuppSdp ? "silenceSuppSdp=yes)" : "silenceSuppSdp=no)";

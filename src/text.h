@@ -66,8 +66,8 @@ inline char* put(char* to, bool value) {
 
 template <std::size_t N>
 char* put(char* to, const char (&literal)[N]) {
-    std::memcpy(to, literal, N - 1);
-    return to + (N - 1);
+    std::memcpy(to, literal, longest<char[N]>);
+    return to + longest<char[N]>;
 }
 
 template <std::size_t N>

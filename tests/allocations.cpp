@@ -10,10 +10,12 @@ std::size_t made_count = 0;
 std::size_t countdown = 0;  // 0: no failure is asked for
 bool fail_all = false;
 bool refused = false;
+std::size_t refused_size = 0;
 
 void* allocate(std::size_t size) {
     if (countdown != 0 && --countdown == 0) {
         refused = true;
+        refused_size = size;
         countdown = fail_all ? 1 : 0;
         throw std::bad_alloc();
     }
@@ -55,6 +57,10 @@ allocations::Failure::~Failure() {
 
 bool allocations::Failure::consumed() {
     return refused;
+}
+
+std::size_t allocations::Failure::size() {
+    return refused_size;
 }
 
 void* operator new(std::size_t size) {

@@ -26,6 +26,9 @@ public:
 
     // Whether the n-th allocation was asked for, and so refused.
     static bool consumed();
+
+    // The size of the block that was refused last.
+    static std::size_t size();
 };
 
 }  // namespace allocations

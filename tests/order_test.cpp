@@ -412,6 +412,37 @@ TEST_F(MediaOrder, FailedCopyFreesWhatItCopiedAndNothingElse) {
     EXPECT_EQ(failed_copy(), "copy address\n");
 }
 
+// What `make` allocates, in order: it is run anew for each block, which it is refused.
+template <class Make>
+std::vector<std::size_t> sizes_of_blocks(Make make) {
+    std::vector<std::size_t> sizes;
+    for (bool refused = true; refused;) {
+        const allocations::Failure failure(sizes.size() + 1);
+        try {
+            make();
+        } catch (const std::bad_alloc&) {
+        }
+        refused = allocations::Failure::consumed();
+        if (refused) {
+            sizes.push_back(allocations::Failure::size());
+        }
+    }
+    return sizes;
+}
+
+TEST(MediaAllocationOrder, DefaultConstructorTakesTheAddressThenTheParameters) {
+    EXPECT_EQ(sizes_of_blocks([] { QOVA_Media(); }),
+              (std::vector<std::size_t>{sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
+                                        sizeof(Sdp::Sdp_Opus_Param)}));
+}
+
+TEST(MediaAllocationOrder, CopyConstructorTakesAmrwbBeforeOpus) {
+    const QOVA_Media source;
+    EXPECT_EQ(sizes_of_blocks([&source] { QOVA_Media copy(source); }),
+              (std::vector<std::size_t>{sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
+                                        sizeof(Sdp::Sdp_Opus_Param)}));
+}
+
 // ---- Comparing media ----
 
 class MediaEqualityOrder : public testing::Test {
@@ -726,6 +757,33 @@ TEST_F(CapabilityOrder, FailedCopyFreesTheMediaThatItCloned) {
               "free m2'\n"
               "free m2 address'\n"
               "free m2 a1'\n");
+}
+
+TEST_F(CapabilityOrder, AssignmentCopiesFlagsBeforeItFreesTheMedia) {
+    struct Watcher : QOVA_Media {
+        Watcher(const QOVA_Capability& watched, bool& result) : target(watched), copied(result) {}
+        ~Watcher() override {
+            copied = target.marked && target.offer && target.hold && target.spare1 == 1 &&
+                     target.silenceSuppSdp && target.passThrough.empty() && target.spare2 == 0 &&
+                     target.spare3 == 0;
+        }
+
+        const QOVA_Capability& target;
+        bool& copied;
+    };
+    bool copied = false;
+    QOVA_Capability target;
+    target.filteredMedia.push_back(new Watcher(target, copied));
+    capability.marked = true;
+    capability.offer = true;
+    capability.passThrough = "text";
+    capability.hold = true;
+    capability.spare1 = 1;
+    capability.spare2 = 2;
+    capability.spare3 = 3;
+    capability.silenceSuppSdp = true;
+    target = capability;
+    EXPECT_TRUE(copied);
 }
 
 // The text is copied between the two groups of flags, and before the media.

@@ -458,7 +458,9 @@ public:
 
     ~World() {
         for (std::size_t i = 0; i < count; ++i) {
-            clear(i);
+            if (reals[i] != nullptr) {
+                clear(i);
+            }
         }
     }
 

@@ -53,6 +53,7 @@ void qova::append_text(std::string& text, const QOVA_Crypto& crypto) {
 
 QOVA_Crypto::operator const std::string() const {
     std::string text;
+    text.reserve(qova::usual_crypto_length);
     qova::append_text(text, *this);
     return text;
 }

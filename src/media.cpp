@@ -199,7 +199,7 @@ void qova::append_text(std::string& text, const QOVA_Media& media) {
 }
 
 std::size_t qova::usual_length(const QOVA_Media& media) {
-    return 160 + 112 * media.attributes.size() + 128 * media.cryptos.size();
+    return 160 + 112 * media.attributes.size() + usual_crypto_length * media.cryptos.size();
 }
 
 QOVA_Media::operator const std::string() const {

@@ -102,7 +102,8 @@ void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
 void append_text(std::string& text, const QOVA_Crypto& crypto);
 void append_text(std::string& text, const QOVA_Media& media);
 
-// Room for the text of a media with common values, so that the result seldom has to move.
+// Room for texts with common values, so that the result seldom has to move.
+inline constexpr std::size_t usual_crypto_length = 128;
 std::size_t usual_length(const QOVA_Media& media);
 
 }  // namespace qova

@@ -113,6 +113,8 @@ TEST_F(CountedAllocations, ATextIsMadeInOneBlockBesideTheNamesOfTheSuites) {
     std::string text;
     EXPECT_EQ(made_by([&] { text = std::string(offer); }), 1 + crypto_lines);
     EXPECT_EQ(made_by([&] { text = std::string(*offer.filteredMedia.front()); }), 1 + crypto_lines);
+    EXPECT_EQ(made_by([&] { text = std::string(*offer.filteredMedia.front()->cryptos.front()); }),
+              2U);
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
 }
 

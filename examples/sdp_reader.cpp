@@ -48,7 +48,7 @@ private:
 constexpr int parser_flags = sdp_f_c_missing | sdp_f_mode_manual;
 
 // The text as the parser gets it: no blank lines, at which it would stop in silence, no outer
-// blanks, and one name of RTP for all for which it does not read payloads.
+// blanks, and every RTP profile called RTP/AVP, as it reads payloads of few others.
 class ParserText {
 public:
     explicit ParserText(const Description& description) {

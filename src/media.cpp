@@ -13,7 +13,8 @@ namespace {
 
 using Position = std::list<QOVA_MediaAttribute*>::const_iterator;
 
-// The first of a class, or of one derived from it, with a given value in a member; or else another.
+// The first from `at` on that is of a class, or of one derived from it, and has a given value in a
+// member; or else `otherwise`. The slow way, which stays out of the loop of the quick one.
 template <class Wanted, class Value>
 [[gnu::noinline]] Wanted* find_derived(Position at, Position end, Value Wanted::*member,
                                        Value value, Wanted* otherwise) {
@@ -26,12 +27,13 @@ template <class Wanted, class Value>
     return otherwise;
 }
 
+// Whether an attribute is exactly of a class for certain: dynamic_cast has the last word on a no.
 template <class Wanted>
 bool is_plain(const QOVA_MediaAttribute* attribute) {
     if (attribute == nullptr) {
         return false;
     }
-    const QOVA_MediaAttribute& object = *attribute;  // typeid of a pointer's target tests it again
+    const QOVA_MediaAttribute& object = *attribute;  // typeid(*attribute) would test for null again
     return &typeid(object) == &typeid(Wanted);
 }
 

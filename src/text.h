@@ -1,6 +1,6 @@
 // The log-text writer. A line is composed on the stack and appended to the result once: no stream,
-// no locale, no allocation but the result's. The longest text of every piece is known when the
-// program is compiled, and so is the size of the buffer.
+// no locale, no allocation of its own but the result's. The longest text of every piece is known
+// when the program is compiled, and so is the size of the buffer.
 
 #ifndef QOVA_SRC_TEXT_H
 #define QOVA_SRC_TEXT_H
@@ -35,6 +35,7 @@ inline constexpr std::size_t longest<unsigned char> = 3;
 template <std::size_t N>
 inline constexpr std::size_t longest<unsigned char[N]> = N* longest<unsigned char>;
 
+// One more than the longest, for a name and its length to fill twelve bytes.
 inline constexpr std::size_t longest_name = 11;
 template <>
 inline constexpr std::size_t longest<QOVA_Codec> = longest_name;
@@ -102,7 +103,7 @@ void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
 void append_text(std::string& text, const QOVA_Crypto& crypto);
 void append_text(std::string& text, const QOVA_Media& media);
 
-// Room for texts with common values, so that the result seldom has to move.
+// Room for texts with common values, such as one key, so that the result seldom has to move.
 inline constexpr std::size_t usual_crypto_length = 128;
 std::size_t usual_length(const QOVA_Media& media);
 

@@ -1,4 +1,4 @@
-// What the operations allocate, to the block, on an offer of usual size.
+// What the operations allocate, to the block, on an offer of two lines.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::size_t payloads = 8;
 constexpr std::size_t crypto_lines = 8;
-// Of a media its address and two parameter objects; of a crypto line its key; and every list node.
+// A media has its node, itself, its address and two parameter objects; a payload its node and
+// itself; a crypto line also the node of its key.
 constexpr std::size_t blocks_of_audio = 4 + 2 * payloads + 3 * crypto_lines;
 constexpr std::size_t blocks_of_fax = 4 + 2;
 constexpr std::size_t blocks = 1 + blocks_of_audio + 1 + blocks_of_fax;
@@ -72,6 +73,7 @@ TEST_F(CountedAllocations, ACopyMakesOneBlockForEachObjectAndListNode) {
     EXPECT_EQ(made_by([&] { delete offer.filteredMedia.front()->clone(); }), blocks_of_audio);
 }
 
+// Parameter objects are compared by identity: without them, two offers can be equal.
 TEST_F(CountedAllocations, EqualityMakesNone) {
     for (QOVA_Capability* capability : {&offer, &same}) {
         for (QOVA_Media* media : capability->filteredMedia) {

@@ -1,4 +1,4 @@
-// The code of log.md: everything that a log text can show.
+// The code of log.md: a log text with all kinds of lines that show fields.
 
 #include <iostream>
 #include <sstream>

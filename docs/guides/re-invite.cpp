@@ -113,7 +113,7 @@ int main() {
         report("another direction", before == now, changed(before, now));
     }
     {
-        // Both share the parameter objects of the first while they are compared.
+        // Neither has parameter objects while they are compared.
         QOVA_Media longer(audio);
         append<QOVA_AudioAttribute>(longer.attributes);
         const bool same = same_media(audio, longer);

@@ -1,5 +1,5 @@
-// A second copy of libqova in the same process, as a plug-in brings it that has the library linked
-// in and hides it: its classes have the same names, and type information of their own.
+// A second copy of libqova in the same process, as a plug-in has it that links the library
+// statically and hides it: its classes have the same names, and type information of their own.
 
 #ifndef QOVA_TESTS_SECOND_COPY_H
 #define QOVA_TESTS_SECOND_COPY_H
@@ -23,6 +23,6 @@ static inline std::unique_ptr<QOVA_Media> make_media() {
 }
 
 // The same of the second copy.
-[[gnu::visibility("default")]] std::unique_ptr<QOVA_Media> make_media_of_second_copy();
+std::unique_ptr<QOVA_Media> make_media_of_second_copy();
 
 #endif

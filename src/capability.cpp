@@ -90,7 +90,7 @@ bool QOVA_Capability::operator==(const QOVA_Capability& other) const {
     }
     return filteredMedia.size() == other.filteredMedia.size() &&
            std::equal(filteredMedia.begin(), filteredMedia.end(), other.filteredMedia.begin(),
-                      [](const QOVA_Media* l, const QOVA_Media* r) { return *l == *r; });
+                      qova::equal_objects);
 }
 
 std::list<QOVA_Media*> QOVA_Capability::find(QOVA_Media::e_MediaType type,

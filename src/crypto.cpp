@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "exact_class.h"
+#include "owned_list.h"
 #include "text.h"
 
 static_assert(std::is_trivially_copyable<QOVA_CryptoKey>::value, "copied as one block of bytes");
@@ -29,16 +30,9 @@ QOVA_Crypto* QOVA_Crypto::clone() const {
 }
 
 bool QOVA_Crypto::operator==(const QOVA_Crypto& other) const {
-    if (!qova::is_exactly<QOVA_Crypto>(other)) {
-        return false;
-    }
-    for (auto l = keys.begin(), r = other.keys.begin(); l != keys.end() && r != other.keys.end();
-         ++l, ++r) {
-        if (!equal_keys(*l, *r)) {
-            return false;
-        }
-    }
-    return tag == other.tag && algo == other.algo;
+    return qova::is_exactly<QOVA_Crypto>(other) &&
+           qova::equal_side_by_side(keys, other.keys, equal_keys) && tag == other.tag &&
+           algo == other.algo;
 }
 
 void qova::append_text(std::string& text, const QOVA_Crypto& crypto) {

@@ -67,6 +67,15 @@ Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value valu
     return found;
 }
 
+void copy_directions_and_ports(QOVA_Media& to, const QOVA_Media& from) {
+    to.bsnd = from.bsnd;
+    to.brcv = from.brcv;
+    to.sndPort = from.sndPort;
+    to.rcvPort = from.rcvPort;
+    to.sndPort2 = from.sndPort2;
+    to.rcvPort2 = from.rcvPort2;
+}
+
 // Puts a copy in the place of an owned object, which is freed first. The pointer is null while
 // nothing stands there, should the copy throw.
 template <class T>
@@ -88,12 +97,7 @@ QOVA_Media::QOVA_Media(const QOVA_Media& other) : QOVA_Media(Unfilled()) {
     mediaStatus = other.mediaStatus;
     mediaType = other.mediaType;
     address = INetAddress::Clone(other.address);
-    bsnd = other.bsnd;
-    brcv = other.brcv;
-    sndPort = other.sndPort;
-    rcvPort = other.rcvPort;
-    sndPort2 = other.sndPort2;
-    rcvPort2 = other.rcvPort2;
+    copy_directions_and_ports(*this, other);
     cryptoCount = other.cryptoCount;
     qova::append_clones(attributes, other.attributes);
     amrwbParam = new Sdp::Sdp_Amrwb_Param(*other.amrwbParam);
@@ -122,12 +126,7 @@ QOVA_Media& QOVA_Media::operator=(const QOVA_Media& other) {
     mediaStatus = other.mediaStatus;
     mediaType = other.mediaType;
     address = INetAddress::Clone(other.address);
-    bsnd = other.bsnd;
-    brcv = other.brcv;
-    sndPort = other.sndPort;
-    rcvPort = other.rcvPort;
-    sndPort2 = other.sndPort2;
-    rcvPort2 = other.rcvPort2;
+    copy_directions_and_ports(*this, other);
     replace(amrwbParam, *other.amrwbParam);
     replace(opusParam, *other.opusParam);
     qova::append_clones(attributes, other.attributes);
@@ -152,8 +151,8 @@ bool QOVA_Media::operator==(const QOVA_Media& other) const {
            amrwbParam == other.amrwbParam &&
            opusParam == other.opusParam &&  // identity, on purpose
            cryptoCount == other.cryptoCount &&
-           qova::equal_side_by_side(attributes, other.attributes) &&
-           qova::equal_side_by_side(cryptos, other.cryptos);
+           qova::equal_side_by_side(attributes, other.attributes, qova::equal_objects) &&
+           qova::equal_side_by_side(cryptos, other.cryptos, qova::equal_objects);
 }
 
 QOVA_AudioAttribute* QOVA_Media::find(QOVA_Codec codec) const {

@@ -1,4 +1,4 @@
-// Lists of owned pointers.
+// Lists of owned pointers, and the comparison of two lists.
 
 #ifndef QOVA_SRC_OWNED_LIST_H
 #define QOVA_SRC_OWNED_LIST_H
@@ -32,11 +32,16 @@ void append_clones(std::list<T*>& to, const std::list<T*>& from) {
     append_copies(to, from, [](const T& element) { return element.clone(); });
 }
 
+// Compares what two pointers point to.
+inline constexpr auto equal_objects = [](const auto* left, const auto* right) {
+    return *left == *right;
+};
+
 // Compares side by side until one list ends: a list equals any that starts with it.
-template <class T>
-bool equal_side_by_side(const std::list<T*>& left, const std::list<T*>& right) {
+template <class T, class Equal>
+bool equal_side_by_side(const std::list<T>& left, const std::list<T>& right, Equal equal) {
     for (auto l = left.begin(), r = right.begin(); l != left.end() && r != right.end(); ++l, ++r) {
-        if (!(**l == **r)) {
+        if (!equal(*l, *r)) {
             return false;
         }
     }

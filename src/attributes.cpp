@@ -33,19 +33,15 @@ std::string text_of(const T& attribute) {
 
 }  // namespace
 
-bool qova::same_class(const std::type_info& left, const std::type_info& right) {
-    return left == right;
-}
-
 void qova::append_text(std::string& text, const QOVA_MediaAttribute& attribute) {
     // The exact classes only: a derived one may have another text, and gives it itself.
-    if (is_exactly<QOVA_AudioAttribute>(attribute)) {
-        ::append_text(text, static_cast<const QOVA_AudioAttribute&>(attribute));
-    } else if (is_exactly<QOVA_FaxAttribute>(attribute)) {
-        ::append_text(text, static_cast<const QOVA_FaxAttribute&>(attribute));
-    } else if (is_exactly<QOVA_VideoAttribute>(attribute)) {
+    if (const auto* audio = exactly<QOVA_AudioAttribute>(attribute)) {
+        ::append_text(text, *audio);
+    } else if (const auto* fax = exactly<QOVA_FaxAttribute>(attribute)) {
+        ::append_text(text, *fax);
+    } else if (exactly<QOVA_VideoAttribute>(attribute) != nullptr) {
         append(text, video_text);
-    } else if (is_exactly<QOVA_DataAttribute>(attribute)) {
+    } else if (exactly<QOVA_DataAttribute>(attribute) != nullptr) {
         append(text, data_text);
     } else {
         text += static_cast<const std::string>(attribute);
@@ -67,12 +63,10 @@ QOVA_AudioAttribute::operator const std::string() const {
 }
 
 bool QOVA_AudioAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    if (!qova::is_exactly<QOVA_AudioAttribute>(other)) {
-        return false;
-    }
-    const auto& audio = static_cast<const QOVA_AudioAttribute&>(other);
-    return codec == audio.codec && framing == audio.framing && vad == audio.vad &&
-           echo == audio.echo && mxFraming == audio.mxFraming && mf == audio.mf;
+    const auto* audio = qova::exactly<QOVA_AudioAttribute>(other);
+    return audio != nullptr && codec == audio->codec && framing == audio->framing &&
+           vad == audio->vad && echo == audio->echo && mxFraming == audio->mxFraming &&
+           mf == audio->mf;
 }
 
 QOVA_MediaAttribute* QOVA_VideoAttribute::clone() const {
@@ -84,7 +78,7 @@ QOVA_VideoAttribute::operator const std::string() const {
 }
 
 bool QOVA_VideoAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    return qova::is_exactly<QOVA_VideoAttribute>(other);
+    return qova::exactly<QOVA_VideoAttribute>(other) != nullptr;
 }
 
 QOVA_MediaAttribute* QOVA_FaxAttribute::clone() const {
@@ -96,14 +90,11 @@ QOVA_FaxAttribute::operator const std::string() const {
 }
 
 bool QOVA_FaxAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    if (!qova::is_exactly<QOVA_FaxAttribute>(other)) {
-        return false;
-    }
-    const auto& fax = static_cast<const QOVA_FaxAttribute&>(other);
-    return red == fax.red && depth == fax.depth && mxRate == fax.mxRate && rateMgt == fax.rateMgt &&
-           transport == fax.transport && fillBit == fax.fillBit && transMMR == fax.transMMR &&
-           transJBIG == fax.transJBIG && mxBuffer == fax.mxBuffer && mxDgram == fax.mxDgram &&
-           errCorr == fax.errCorr;
+    const auto* fax = qova::exactly<QOVA_FaxAttribute>(other);
+    return fax != nullptr && red == fax->red && depth == fax->depth && mxRate == fax->mxRate &&
+           rateMgt == fax->rateMgt && transport == fax->transport && fillBit == fax->fillBit &&
+           transMMR == fax->transMMR && transJBIG == fax->transJBIG && mxBuffer == fax->mxBuffer &&
+           mxDgram == fax->mxDgram && errCorr == fax->errCorr;
 }
 
 QOVA_MediaAttribute* QOVA_DataAttribute::clone() const {
@@ -115,6 +106,6 @@ QOVA_DataAttribute::operator const std::string() const {
 }
 
 bool QOVA_DataAttribute::operator==(const QOVA_MediaAttribute& other) const {
-    return qova::is_exactly<QOVA_DataAttribute>(other) &&
-           type == static_cast<const QOVA_DataAttribute&>(other).type;
+    const auto* data = qova::exactly<QOVA_DataAttribute>(other);
+    return data != nullptr && type == data->type;
 }

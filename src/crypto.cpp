@@ -30,7 +30,7 @@ QOVA_Crypto* QOVA_Crypto::clone() const {
 }
 
 bool QOVA_Crypto::operator==(const QOVA_Crypto& other) const {
-    return qova::is_exactly<QOVA_Crypto>(other) &&
+    return qova::exactly<QOVA_Crypto>(other) != nullptr &&
            qova::equal_side_by_side(keys, other.keys, equal_keys) && tag == other.tag &&
            algo == other.algo;
 }

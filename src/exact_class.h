@@ -1,4 +1,4 @@
-// The test for an object's exact class.
+// The two questions about an object's class.
 
 #ifndef QOVA_SRC_EXACT_CLASS_H
 #define QOVA_SRC_EXACT_CLASS_H
@@ -7,14 +7,23 @@
 
 namespace qova {
 
-// Whether two type_info of different addresses stand for one class all the same, as those of a
-// class that two libraries define apart do.
-bool same_class(const std::type_info& left, const std::type_info& right);
-
-// Whether an object is of a class, and not of one derived from it.
+// The object, if it is of a class and not of one derived from it; else null.
 template <class Class, class Object>
-bool is_exactly(const Object& object) {
-    return &typeid(object) == &typeid(Class) || same_class(typeid(object), typeid(Class));
+const Class* exactly(const Object& object) {
+    return typeid(object) == typeid(Class) ? static_cast<const Class*>(&object) : nullptr;
+}
+
+// The object, if it is of a class or of one derived from it; else null, as for null. Nearly always
+// it is of the very class, which the address of the type_info tells at once; dynamic_cast, which is
+// slow, has the last word.
+template <class Class, class Object>
+Class* as(Object* pointer) {
+    if (pointer == nullptr) {
+        return nullptr;
+    }
+    const Object& object = *pointer;  // typeid(*pointer) would test for null again
+    return &typeid(object) == &typeid(Class) ? static_cast<Class*>(pointer)
+                                             : dynamic_cast<Class*>(pointer);
 }
 
 }  // namespace qova

@@ -1,7 +1,6 @@
 #include "qova/media.h"
 
-#include <typeinfo>
-
+#include "exact_class.h"
 #include "netconf/sdp.h"
 #include "owned_list.h"
 #include "qova/attributes.h"
@@ -11,60 +10,16 @@
 
 namespace {
 
-using Position = std::list<QOVA_MediaAttribute*>::const_iterator;
-
-// The first from `at` on that is of a class, or of one derived from it, and has a given value in a
-// member; or else `otherwise`. The slow way, which stays out of the loop of the quick one.
-template <class Wanted, class Value>
-[[gnu::noinline]] Wanted* find_derived(Position at, Position end, Value Wanted::*member,
-                                       Value value, Wanted* otherwise) {
-    for (; at != end; ++at) {
-        Wanted* const candidate = dynamic_cast<Wanted*>(*at);
-        if (candidate != nullptr && candidate->*member == value) {
+// The first attribute of a class, or of one derived from it, that matches; or null.
+template <class Class, class Match>
+Class* find_attribute(const std::list<QOVA_MediaAttribute*>& attributes, Match matches) {
+    for (QOVA_MediaAttribute* attribute : attributes) {
+        Class* const candidate = qova::as<Class>(attribute);
+        if (candidate != nullptr && matches(*candidate)) {
             return candidate;
         }
     }
-    return otherwise;
-}
-
-// Whether an attribute is exactly of a class for certain: dynamic_cast has the last word on a no.
-template <class Wanted>
-bool is_plain(const QOVA_MediaAttribute* attribute) {
-    if (attribute == nullptr) {
-        return false;
-    }
-    const QOVA_MediaAttribute& object = *attribute;  // typeid(*attribute) would test for null again
-    return &typeid(object) == &typeid(Wanted);
-}
-
-// The first attribute of a class, or of one derived from it, with a given value in a member; or
-// null. Most of the time goes into waiting for the next element: so the list is walked from both
-// ends, and two are waited for at once. Nearly every list holds one class only, exactly:
-// dynamic_cast, which is slow, takes over what is left from an element that is something else.
-template <auto member, class Wanted, class Value>
-Wanted* find_first(const std::list<QOVA_MediaAttribute*>& attributes, Value value) {
-    Wanted* found = nullptr;  // the foremost of those at the back
-    Position last = attributes.end();
-    for (Position first = attributes.begin(); first != last; ++first) {
-        if (!is_plain<Wanted>(*first)) {
-            return find_derived<Wanted, Value>(first, last, member, value, found);
-        }
-        Wanted* const front = static_cast<Wanted*>(*first);
-        if (front->*member == value) {
-            return front;
-        }
-        if (first == --last) {
-            break;
-        }
-        if (!is_plain<Wanted>(*last)) {
-            return find_derived<Wanted, Value>(++first, ++last, member, value, found);
-        }
-        Wanted* const back = static_cast<Wanted*>(*last);
-        if (back->*member == value) {
-            found = back;
-        }
-    }
-    return found;
+    return nullptr;
 }
 
 void copy_directions_and_ports(QOVA_Media& to, const QOVA_Media& from) {
@@ -156,15 +111,18 @@ bool QOVA_Media::operator==(const QOVA_Media& other) const {
 }
 
 QOVA_AudioAttribute* QOVA_Media::find(QOVA_Codec codec) const {
-    return find_first<&QOVA_AudioAttribute::codec, QOVA_AudioAttribute>(attributes, codec);
+    return find_attribute<QOVA_AudioAttribute>(
+        attributes, [=](const QOVA_AudioAttribute& audio) { return audio.codec == codec; });
 }
 
 QOVA_FaxAttribute* QOVA_Media::find(QOVA_FaxTransport transport) const {
-    return find_first<&QOVA_FaxAttribute::transport, QOVA_FaxAttribute>(attributes, transport);
+    return find_attribute<QOVA_FaxAttribute>(
+        attributes, [=](const QOVA_FaxAttribute& fax) { return fax.transport == transport; });
 }
 
 QOVA_AudioAttribute* QOVA_Media::find_mf(QOVA_Codec codec) const {
-    return find_first<&QOVA_AudioAttribute::mf, QOVA_AudioAttribute>(attributes, codec);
+    return find_attribute<QOVA_AudioAttribute>(
+        attributes, [=](const QOVA_AudioAttribute& audio) { return audio.mf == codec; });
 }
 
 QOVA_MediaAttribute* QOVA_Media::find(e_AttributeType type, e_MediaStatus status) const {

@@ -5,17 +5,17 @@
 
 namespace {
 
-// Both are literals because QOVA_DataAttribute::type and all of video stay out of the log.
-constexpr char video_text[] = "\t\t -> video : not implemented\n";
-constexpr char data_text[] = "\t\t -> Data / type=NIL\n";
-
-void append_text(std::string& text, const QOVA_AudioAttribute& audio) {
+void append_own(std::string& text, const QOVA_AudioAttribute& audio) {
     qova::append(text, "\t\t -> ", audio.codec, " / ", audio.status, " / framing=", audio.framing,
                  " / vad=", audio.vad, " / echo=", audio.echo, " / mxFraming=", audio.mxFraming,
                  " / MF=", static_cast<int>(audio.mf), "\n");
 }
 
-void append_text(std::string& text, const QOVA_FaxAttribute& fax) {
+void append_own(std::string& text, const QOVA_VideoAttribute& /*video*/) {
+    qova::append(text, "\t\t -> video : not implemented\n");
+}
+
+void append_own(std::string& text, const QOVA_FaxAttribute& fax) {
     qova::append(text, "\t\t -> fax / transport=", fax.transport, " / red=", fax.red,
                  " / depth=", fax.depth, " / mxRate=", fax.mxRate,
                  "\n\t\t    rateMgt=", fax.rateMgt, " / fillBit=", fax.fillBit,
@@ -24,26 +24,36 @@ void append_text(std::string& text, const QOVA_FaxAttribute& fax) {
                  " / errCorr=", fax.errCorr, "\n");
 }
 
-template <class T>
-std::string text_of(const T& attribute) {
+// The type stays out of the log.
+void append_own(std::string& text, const QOVA_DataAttribute& /*data*/) {
+    qova::append(text, "\t\t -> Data / type=NIL\n");
+}
+
+template <class Attribute>
+std::string own_text(const Attribute& attribute) {
     std::string text;
-    append_text(text, attribute);
+    append_own(text, attribute);
     return text;
+}
+
+// Whether the attribute is exactly of a class, and so was appended.
+template <class Class>
+bool append_exactly(std::string& text, const QOVA_MediaAttribute& attribute) {
+    const Class* const own = qova::exactly<Class>(attribute);
+    if (own != nullptr) {
+        append_own(text, *own);
+    }
+    return own != nullptr;
 }
 
 }  // namespace
 
 void qova::append_text(std::string& text, const QOVA_MediaAttribute& attribute) {
-    // The exact classes only: a derived one may have another text, and gives it itself.
-    if (const auto* audio = exactly<QOVA_AudioAttribute>(attribute)) {
-        ::append_text(text, *audio);
-    } else if (const auto* fax = exactly<QOVA_FaxAttribute>(attribute)) {
-        ::append_text(text, *fax);
-    } else if (exactly<QOVA_VideoAttribute>(attribute) != nullptr) {
-        append(text, video_text);
-    } else if (exactly<QOVA_DataAttribute>(attribute) != nullptr) {
-        append(text, data_text);
-    } else {
+    // A derived class may have another text, and gives it itself.
+    if (!append_exactly<QOVA_AudioAttribute>(text, attribute) &&
+        !append_exactly<QOVA_FaxAttribute>(text, attribute) &&
+        !append_exactly<QOVA_VideoAttribute>(text, attribute) &&
+        !append_exactly<QOVA_DataAttribute>(text, attribute)) {
         text += static_cast<const std::string>(attribute);
     }
 }
@@ -59,7 +69,7 @@ QOVA_MediaAttribute* QOVA_AudioAttribute::clone() const {
 }
 
 QOVA_AudioAttribute::operator const std::string() const {
-    return text_of(*this);
+    return own_text(*this);
 }
 
 bool QOVA_AudioAttribute::operator==(const QOVA_MediaAttribute& other) const {
@@ -74,7 +84,7 @@ QOVA_MediaAttribute* QOVA_VideoAttribute::clone() const {
 }
 
 QOVA_VideoAttribute::operator const std::string() const {
-    return qova::text_of(video_text);
+    return own_text(*this);
 }
 
 bool QOVA_VideoAttribute::operator==(const QOVA_MediaAttribute& other) const {
@@ -86,7 +96,7 @@ QOVA_MediaAttribute* QOVA_FaxAttribute::clone() const {
 }
 
 QOVA_FaxAttribute::operator const std::string() const {
-    return text_of(*this);
+    return own_text(*this);
 }
 
 bool QOVA_FaxAttribute::operator==(const QOVA_MediaAttribute& other) const {
@@ -102,7 +112,7 @@ QOVA_MediaAttribute* QOVA_DataAttribute::clone() const {
 }
 
 QOVA_DataAttribute::operator const std::string() const {
-    return qova::text_of(data_text);
+    return own_text(*this);
 }
 
 bool QOVA_DataAttribute::operator==(const QOVA_MediaAttribute& other) const {

@@ -36,7 +36,7 @@ void move_media(const std::list<QOVA_Media*>& list, const UDPAddr& addr, unsigne
 
 // The first media of a kind that has what is looked for, or null.
 template <class Wanted>
-QOVA_Media* find_first(const std::list<QOVA_Media*>& list, QOVA_Media::e_MediaType type,
+QOVA_Media* find_media(const std::list<QOVA_Media*>& list, QOVA_Media::e_MediaType type,
                        Wanted wanted) {
     for (QOVA_Media* media : list) {
         if (media->mediaType == type && media->find(wanted) != nullptr) {
@@ -106,11 +106,11 @@ std::list<QOVA_Media*> QOVA_Capability::find(QOVA_Media::e_MediaType type,
 }
 
 QOVA_Media* QOVA_Capability::find(QOVA_Codec codec) const {
-    return find_first(filteredMedia, QOVA_Media::MT_AUDIO, codec);
+    return find_media(filteredMedia, QOVA_Media::MT_AUDIO, codec);
 }
 
 QOVA_Media* QOVA_Capability::find(QOVA_FaxTransport transport) const {
-    return find_first(filteredMedia, QOVA_Media::MT_FAX, transport);
+    return find_media(filteredMedia, QOVA_Media::MT_FAX, transport);
 }
 
 QOVA_AudioAttribute* QOVA_Capability::find_mf(QOVA_Codec codec) const {
@@ -171,12 +171,12 @@ QOVA_Capability::operator const std::string() const {
     }
     std::string text;
     text.reserve(length);
-    text = "Capability(";
+    text += "Capability(";
     text += offer ? "offer, " : "answer, ";
     text += hold ? "Hold, " : "Not Hold, ";
     text += silenceSuppSdp ? "silenceSuppSdp=yes)" : "silenceSuppSdp=no)";
     if (marked) {
-        text += '\'';
+        text += "'";
     }
     if (!filteredMedia.empty()) {
         text += "\n\tFiltered=\n";
@@ -187,7 +187,7 @@ QOVA_Capability::operator const std::string() const {
     if (!passThrough.empty()) {
         text += "\n\tPass-through=\n";
         text += passThrough;
-        text += '\n';
+        text += "\n";
     }
     return text;
 }

@@ -42,7 +42,7 @@ void qova::append_text(std::string& text, const QOVA_Crypto& crypto) {
         append(text, ", key=(lifetime=", key.lifetime, " / mki=", key.mki,
                " / mkiSize=", static_cast<unsigned int>(key.mkiSize), ")");
     }
-    text += '\n';
+    text += "\n";
 }
 
 QOVA_Crypto::operator const std::string() const {

@@ -1,5 +1,6 @@
 #include "qova/enumerations.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "qova/attributes.h"
@@ -8,19 +9,7 @@
 
 namespace {
 
-// A name in a record of its own: copied whole, which is quicker than to its length.
-struct Name {
-    unsigned char length;
-    char text[qova::longest_name];
-
-    template <std::size_t N>
-    constexpr Name(const char (&literal)[N]) : length(N - 1), text() {
-        static_assert(N - 1 <= sizeof text, "a name that does not fit");
-        for (std::size_t i = 0; i < N - 1; ++i) {
-            text[i] = literal[i];
-        }
-    }
-};
+using Name = char[qova::name_size];
 
 // The names of the values 0, 1, 2 ... of each enumeration, and the one of all other values last.
 constexpr Name codec_names[] = {"NIL",     "G711alaw", "G711ulaw", "G723",   "G729", "G729a",
@@ -32,16 +21,25 @@ constexpr Name rate_management_names[] = {"NIL", "TRFTCF", "LocalTCF", "NIL"};
 constexpr Name type_names[] = {"Nil", "Audio", "Video", "Fax", "Data", "Nil"};
 constexpr Name status_names[] = {"Unknown", "Accepted", "Rejected", "Modified", "Unknown"};
 
-// Negative values are great ones when read unsigned.
-char* put_name(char* to, const Name* names, unsigned int last, unsigned int value) {
-    const Name& name = names[value < last ? value : last];
-    std::memcpy(to, name.text, sizeof name.text);
-    return to + name.length;
+// Copies a name whole, which is quicker than to its length. Negative values are great ones when
+// read unsigned.
+char* put_name(char* to, const Name* names, unsigned int last, int value) {
+    const Name& name = names[std::min(static_cast<unsigned int>(value), last)];
+    std::memcpy(to, name, sizeof name);
+    return to + std::strlen(name);
 }
 
 template <std::size_t Count>
 char* put_name(char* to, const Name (&names)[Count], int value) {
-    return put_name(to, names, Count - 1, static_cast<unsigned int>(value));
+    return put_name(to, names, Count - 1, value);
+}
+
+// The name of a value alone.
+template <class Enumeration>
+std::string name_of(Enumeration value) {
+    std::string name;
+    qova::append(name, value);
+    return name;
 }
 
 }  // namespace
@@ -78,17 +76,17 @@ char* qova::put(char* to, QOVA_Media::e_MediaStatus value) {
 }
 
 std::string ToString(QOVA_Codec codec) {
-    return qova::text_of(codec);
+    return name_of(codec);
 }
 
 std::string ToString(QOVA_EarlyMedia direction) {
-    return qova::text_of(direction);
+    return name_of(direction);
 }
 
 std::string QOVA_Media::ToString(e_MediaStatus status) {
-    return qova::text_of(status);
+    return name_of(status);
 }
 
 std::string QOVA_Media::ToString(e_MediaType type) {
-    return qova::text_of(type);
+    return name_of(type);
 }

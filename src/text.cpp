@@ -3,9 +3,9 @@
 #include <charconv>
 
 char* qova::put(char* to, int value) {
-    return std::to_chars(to, to + longest<int>, value).ptr;
+    return std::to_chars(to, to + longest<int>(), value).ptr;
 }
 
 char* qova::put(char* to, unsigned int value) {
-    return std::to_chars(to, to + longest<unsigned int>, value).ptr;
+    return std::to_chars(to, to + longest<unsigned int>(), value).ptr;
 }

@@ -7,7 +7,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <limits>
 #include <string>
+#include <type_traits>
 
 #include "qova/attributes.h"
 #include "qova/crypto.h"
@@ -16,43 +18,32 @@
 
 namespace qova {
 
+// A name takes as many bytes as it fills with NULs, so that it can be copied whole.
+inline constexpr std::size_t name_size = 12;
+
 // The greatest number of characters that a piece of a type takes. Literals and numbers stand for
 // themselves, enumerations for their names, an array of bytes for its numbers side by side.
 template <class Piece>
-inline constexpr std::size_t longest = 0;
-template <std::size_t N>
-inline constexpr std::size_t longest<char[N]> = N - 1;
-template <>
-inline constexpr std::size_t longest<bool> = 1;
-template <>
-inline constexpr std::size_t longest<int> = 11;
-template <>
-inline constexpr std::size_t longest<unsigned int> = 10;
-template <>
-inline constexpr std::size_t longest<unsigned short> = 5;
-template <>
-inline constexpr std::size_t longest<unsigned char> = 3;
-template <std::size_t N>
-inline constexpr std::size_t longest<unsigned char[N]> = N* longest<unsigned char>;
+constexpr std::size_t longest() {
+    using Element = std::remove_extent_t<Piece>;
+    if constexpr (std::is_same_v<Element, char>) {
+        return sizeof(Piece) - 1;
+    } else if constexpr (std::is_array_v<Piece>) {
+        return std::extent_v<Piece> * longest<Element>();
+    } else if constexpr (std::is_enum_v<Piece>) {
+        return name_size;
+    } else {
+        using Limits = std::numeric_limits<Piece>;
+        static_assert(Limits::is_integer);
+        return Limits::digits10 + 1 + (Limits::is_signed ? 1 : 0);
+    }
+}
 
-// One more than the longest, for a name and its length to fill twelve bytes.
-inline constexpr std::size_t longest_name = 11;
-template <>
-inline constexpr std::size_t longest<QOVA_Codec> = longest_name;
-template <>
-inline constexpr std::size_t longest<QOVA_EarlyMedia> = longest_name;
-template <>
-inline constexpr std::size_t longest<QOVA_FaxTransport> = longest_name;
-template <>
-inline constexpr std::size_t longest<QOVA_FaxRateMgt> = longest_name;
-template <>
-inline constexpr std::size_t longest<QOVA_Media::e_MediaType> = longest_name;
-template <>
-inline constexpr std::size_t longest<QOVA_Media::e_MediaStatus> = longest_name;
-
-// Each writes a piece and returns the end of it.
+// Each writes a piece and returns the end of it. Numbers: text.cpp.
 char* put(char* to, int value);
 char* put(char* to, unsigned int value);
+
+// Names: enumerations.cpp.
 char* put(char* to, QOVA_Codec value);
 char* put(char* to, QOVA_EarlyMedia value);
 char* put(char* to, QOVA_FaxTransport value);
@@ -67,8 +58,8 @@ inline char* put(char* to, bool value) {
 
 template <std::size_t N>
 char* put(char* to, const char (&literal)[N]) {
-    std::memcpy(to, literal, longest<char[N]>);
-    return to + longest<char[N]>;
+    std::memcpy(to, literal, N - 1);
+    return to + (N - 1);
 }
 
 template <std::size_t N>
@@ -82,25 +73,20 @@ char* put(char* to, const unsigned char (&bytes)[N]) {
 // Appends pieces to a text.
 template <class... Piece>
 void append(std::string& text, const Piece&... pieces) {
-    static_assert(((longest<Piece> != 0) && ...), "a piece whose longest text is not known");
-    char line[(longest<Piece> + ...)];
+    char line[(longest<Piece>() + ...)];
     char* end = line;
     ((end = put(end, pieces)), ...);
     text.append(line, static_cast<std::size_t>(end - line));
 }
 
-// The text of one piece.
-template <class Piece>
-std::string text_of(const Piece& piece) {
-    std::string text;
-    append(text, piece);
-    return text;
-}
-
-// Append the log text of an object. That of an attribute of a class unknown here is asked of the
-// object itself.
+// Appends the log text of an attribute: attributes.cpp. That of an attribute of a class unknown
+// here is asked of the object itself.
 void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
+
+// Appends the log text of a crypto line: crypto.cpp.
 void append_text(std::string& text, const QOVA_Crypto& crypto);
+
+// Appends the log text of a media: media.cpp.
 void append_text(std::string& text, const QOVA_Media& media);
 
 // Room for texts with common values, such as one key, so that the result seldom has to move.

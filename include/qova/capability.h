@@ -4,6 +4,11 @@
 ///
 /// A QOVA_Capability owns its media. The order of the data members is ABI; the class has no virtual
 /// functions.
+///
+/// Whatever allocates throws std::bad_alloc when memory runs out, and leaks nothing; nothing else
+/// throws. Searches and edits allocate nothing unless they say so; everything is linear in what it
+/// looks at. What a search returns is borrowed: it stays valid until
+/// #QOVA_Capability::filteredMedia changes.
 
 #ifndef QOVA_CAPABILITY_H
 #define QOVA_CAPABILITY_H
@@ -29,38 +34,34 @@ public:
     };
 
     /// The media that the stack understood, in the order of their lines, owned; never null.
-    /// Default: empty.
     std::list<QOVA_Media*> filteredMedia;
 
     /// A mark for the owner's use; the log text shows it as an apostrophe. Never compared.
-    /// Default: false.
     bool marked = false;
 
-    /// True: an offer; false: an answer (RFC 3264). Default: false.
+    /// True: an offer; false: an answer (RFC 3264).
     bool offer = false;
 
-    /// Media text that is carried through unparsed; any bytes. Default: empty.
+    /// Media text that is carried through unparsed; any bytes.
     std::string passThrough;
 
-    /// The call is on hold (RFC 3264, section 8.4). Default: false.
+    /// The call is on hold (RFC 3264, section 8.4).
     bool hold = false;
 
-    unsigned char spare1 = 0;  ///< The owner's; copied, never compared or printed. Default: 0.
+    unsigned char spare1 = 0;  ///< The owner's; copied, never compared or printed.
     unsigned char spare2 = 0;  ///< @copydoc spare1
     unsigned char spare3 = 0;  ///< @copydoc spare1
 
-    /// Silence suppression is signalled in SDP (`a=silenceSupp`, RFC 3108). Default: false.
+    /// Silence suppression is signalled in SDP (`a=silenceSupp`, RFC 3108).
     bool silenceSuppSdp = false;
 
-    /// An empty capability with the defaults that stand beside the members. Allocates nothing,
-    /// throws nothing.
+    /// An empty capability with the defaults that stand beside the members. Allocates nothing.
     QOVA_Capability() = default;
 
     /// A deep copy. Each media is copied through its virtual `clone`, so an object of a class
-    /// derived from QOVA_Media keeps its class. Linear; one allocation for each owned object and
-    /// each list node, and one for a long #passThrough.
+    /// derived from QOVA_Media keeps its class. One allocation for each owned object and each list
+    /// node, and one for a long #passThrough.
     /// @param other the source
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
     QOVA_Capability(const QOVA_Capability& other);
 
     /// Frees every media, in list order, through its virtual destructor.
@@ -74,11 +75,11 @@ public:
     /// guard, and the list that is freed first is the one that would be copied. It stays so because
     /// built programs can see it.
     ///
-    /// After a failure this capability holds only part of the media (and perhaps its old
-    /// #passThrough); it can be destroyed and assigned again.
+    /// After a failure this capability holds only part of the media, or, where #passThrough could
+    /// not be copied, none, and the old #passThrough, #spare2 and #spare3; all other members are
+    /// new. It can be destroyed and assigned again.
     /// @param other the source
     /// @return this capability
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
     QOVA_Capability& operator=(const QOVA_Capability& other);
 
     /// Whether two capabilities say the same, by rules that are partial on purpose:
@@ -89,52 +90,43 @@ public:
     ///   that compares parameter objects by identity, **a capability that has media does not equal
     ///   its copy**.
     ///
-    /// #marked and the spare members are never compared. Linear; allocates nothing but address
-    /// texts.
+    /// #marked and the spare members are never compared. Allocates nothing but address texts.
     /// @param other the capability to compare with
     /// @return whether no compared member differs
-    /// @throws std::bad_alloc when there is no memory for an address text
     bool operator==(const QOVA_Capability& other) const;
 
-    /// All media of the given kind and status, in list order. Linear.
+    /// All media of the given kind and status, in list order. One allocation for each.
     /// @param type the kind to look for
     /// @param status the status to look for; QOVA_Media::MS_UNKNOWN matches any
-    /// @return borrowed pointers, valid until #filteredMedia changes; one allocation for each
-    /// @throws std::bad_alloc when memory runs out
+    /// @return the media; empty when there are none
     std::list<QOVA_Media*> find(QOVA_Media::e_MediaType type,
                                 QOVA_Media::e_MediaStatus status) const;
 
-    /// The first audio media that has an attribute with the given codec. Linear; allocates nothing,
-    /// throws nothing.
+    /// The first audio media that has an attribute with the given codec.
     /// @param codec the codec, or dynamic payload type, to look for
-    /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
+    /// @return the media (not the attribute), or null
     QOVA_Media* find(QOVA_Codec codec) const;
 
-    /// The first fax media that has an attribute with the given transport. Linear; allocates
-    /// nothing, throws nothing.
+    /// The first fax media that has an attribute with the given transport.
     /// @param transport the transport to look for
-    /// @return the media (not the attribute), borrowed until #filteredMedia changes; or null
+    /// @return the media (not the attribute), or null
     QOVA_Media* find(QOVA_FaxTransport transport) const;
 
     /// The first attribute of an audio media whose tone events are carried by the given payload.
-    /// Linear; allocates nothing, throws nothing.
     /// @param codec the payload of the tone events
-    /// @return the attribute (not the media), borrowed until its media changes; or null
+    /// @return the attribute (not the media), or null
     QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
 
     /// Whether at least one audio media is mute (QOVA_Media::isMute). Other kinds play no part.
-    /// Linear; allocates nothing, throws nothing.
     /// @return false also when there is no audio media
     bool isMute() const;
 
     /// Sets QOVA_Media::rcvPort and QOVA_Media::sndPort of the first media of the given kind to 0.
-    /// Its status, its second ports and every other media stay as they are. Linear; allocates
-    /// nothing, throws nothing.
+    /// Its status, its second ports and every other media stay as they are.
     /// @param type the kind to reject
     void rejectMedia(QOVA_Media::e_MediaType type);
 
     /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media; nothing else changes.
-    /// Linear; allocates nothing, throws nothing.
     void ClearMediaDirection();
 
     /// Moves every media that is not rejected from the local plan to a public one. Each gets a copy
@@ -145,13 +137,12 @@ public:
     /// **The shift is not guarded**: ports are computed modulo 65536, and a port 0 is shifted like
     /// any other. What a move does, the reverse move with the same bases undoes exactly.
     ///
-    /// A rejected media keeps its address and its ports. Linear; allocates the new addresses only.
-    /// After a failure the media at which it stopped has no address: assign the capability again,
-    /// or destroy it.
+    /// A rejected media keeps its address and its ports. Allocates the new addresses only. After a
+    /// failure the media at which it stopped has no address: assign the capability again, or
+    /// destroy it.
     /// @param addr the new address; its port is not used
     /// @param audioPort the port onto which local port #AUDIO_PORT_BASE moves
     /// @param faxPort the port onto which local port #FAX_PORT_BASE moves
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
     void setPublicAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
 
     /// The reverse of setPublicAddrPort(): moves back to the local plan. Audio ports shift by
@@ -160,17 +151,15 @@ public:
     /// @param addr the new address; its port is not used
     /// @param audioPort the port that moves onto local port #AUDIO_PORT_BASE
     /// @param faxPort the port that moves onto local port #FAX_PORT_BASE
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
     void setLocalAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
 
     /// The log text: a summary of the flags, the media's texts, and #passThrough whole. It holds no
-    /// key material unless #passThrough does. Linear in the length of the text.
+    /// key material unless #passThrough does.
     ///
     /// Every compiler takes `const std::string text = capability;` and
     /// `static_cast<const std::string&>(capability)`. Clang takes no assignment to an existing
     /// string and, before C++17, no cast to `std::string`, because the result is const.
     /// @return the text
-    /// @throws std::bad_alloc when memory runs out; the text is never cut short instead
     operator const std::string() const;
 };
 

@@ -3,6 +3,9 @@
 ///
 /// A QOVA_Crypto holds its key entries by value. The order of the data members and of the virtual
 /// functions is ABI.
+///
+/// Whatever allocates throws std::bad_alloc when memory runs out, and leaks nothing; nothing else
+/// throws. Copies and texts allocate, comparing does not; everything is linear in what it looks at.
 
 #ifndef QOVA_CRYPTO_H
 #define QOVA_CRYPTO_H
@@ -39,31 +42,28 @@ struct QOVA_CryptoKey {
 /// Owners replace a crypto line by deleting it and cloning another.
 class QOVA_API QOVA_Crypto {
 public:
-    /// The tag that opens the line. Default: 0.
+    /// The tag that opens the line.
     unsigned int tag = 0;
 
-    /// The crypto suite. Default: 0, none.
+    /// The crypto suite.
     g_crypto_suite algo = static_cast<g_crypto_suite>(0);
 
-    /// The key parameters in the order of the line. Default: empty.
+    /// The key parameters in the order of the line.
     std::list<QOVA_CryptoKey> keys;
 
-    /// Frees the key entries.
-    virtual ~QOVA_Crypto();
-
-    /// A new copy of this line, made by the copy constructor: one allocation, and one for each key
-    /// entry.
-    /// @return an object that the caller owns
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
-    virtual QOVA_Crypto* clone() const;
-
-    /// A line with the defaults that stand beside the members. Allocates nothing, throws nothing.
+    /// A line with the defaults that stand beside the members. Allocates nothing.
     QOVA_Crypto();
 
     /// A copy with key entries of its own: one allocation for each.
     /// @param other the source
-    /// @throws std::bad_alloc when memory runs out; nothing leaks
     QOVA_Crypto(const QOVA_Crypto& other);
+
+    /// Frees the key entries.
+    virtual ~QOVA_Crypto();
+
+    /// A new copy of this line, made by the copy constructor: one allocation more than that makes.
+    /// @return an object that the caller owns
+    virtual QOVA_Crypto* clone() const;
 
     /// Whether two crypto lines say the same, by rules that are partial on purpose:
     /// - the other must be exactly a QOVA_Crypto, not of a class derived from it;
@@ -72,17 +72,14 @@ public:
     ///   an empty list equals any;
     /// - **key material is never compared**: a line may be compared where its keys are not known;
     /// - tag and suite must agree.
-    ///
-    /// Linear in the shorter list; allocates nothing, throws nothing.
     /// @param other the crypto line to compare with
     /// @return whether no compared member differs
     bool operator==(const QOVA_Crypto& other) const;
 
     /// The log text: one line with tag, suite and key entries. **It holds no key material**, as
     /// logs go where keys must not. The MKI bytes stand as decimal numbers with nothing between
-    /// them. Linear in the length of the text.
+    /// them.
     /// @return the text, which ends with a newline
-    /// @throws std::bad_alloc when memory runs out
     operator const std::string() const;
 };
 

@@ -3,7 +3,8 @@
 /// media, and the printable names of codecs and directions.
 ///
 /// The numbers are ABI: they are stored in public members and cross the library's boundary. Every
-/// enumeration has `int` as its fixed underlying type, so any `int` may be stored in it.
+/// enumeration has `int` as its fixed underlying type, so any `int` may be stored in it. The names
+/// are short enough to be built without an allocation.
 
 #ifndef QOVA_ENUMERATIONS_H
 #define QOVA_ENUMERATIONS_H
@@ -46,14 +47,13 @@ enum QOVA_EarlyMedia : int {
 };
 
 /// The printable name of a codec: "G711alaw", "OPUS" and so on; "DYN(101)" for the dynamic payload
-/// type 101 (96 to 127); "NIL" for #CODEC_NIL and for every other value. Allocates nothing, throws
-/// nothing.
+/// type 101 (96 to 127); "NIL" for #CODEC_NIL and for every other value.
 /// @param codec any value
 /// @return the name; at most 8 characters
 QOVA_API std::string ToString(QOVA_Codec codec);
 
 /// The SDP keyword of an early-media direction in lower case, "nil" for #EM_NIL, "unknown???" for
-/// any value without an enumerator. Allocates nothing, throws nothing.
+/// any value without an enumerator.
 /// @param direction any value
 /// @return the keyword; at most 10 characters
 QOVA_API std::string ToString(QOVA_EarlyMedia direction);

@@ -13,7 +13,7 @@
 /// @{
 #define QOVA_VERSION_MAJOR 1  ///< Changes with the ABI; it is the number in the SONAME.
 #define QOVA_VERSION_MINOR 0  ///< Changes when something is added.
-#define QOVA_VERSION_PATCH 0  ///< Changes when something is mended.
+#define QOVA_VERSION_PATCH 0  ///< Changes when something is fixed.
 /// @}
 
 // std::string and std::list differ in layout between libstdc++'s two ABIs, and both are members of

@@ -64,8 +64,9 @@ void fill(QOVA_Capability& capability) {
 // [lines]
 // One log entry for each line, for a log that takes only lines.
 void log_lines(const QOVA_Capability& capability) {
-    std::istringstream text(capability);
-    for (std::string line; std::getline(text, line);) {
+    const std::string text = capability;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
         std::cout << "call 7: " << line << '\n';
     }
 }

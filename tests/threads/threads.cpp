@@ -1,0 +1,93 @@
+// What several threads may do at once, for ThreadSanitizer to watch: read one capability, or use
+// one each. The control writes to one capability, which is not allowed and has to be reported.
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "netconf/sdp.h"
+#include "qova/attributes.h"
+#include "qova/capability.h"
+#include "qova/crypto.h"
+#include "socket/address.h"
+
+namespace {
+
+QOVA_Capability make_offer() {
+    QOVA_Capability offer;
+    auto* const media = new QOVA_Media;
+    offer.filteredMedia.push_back(media);
+    media->mediaType = QOVA_Media::MT_AUDIO;
+    auto* const audio = new QOVA_AudioAttribute;
+    media->attributes.push_back(audio);
+    audio->codec = CODEC_G722;
+    media->attributes.push_back(new QOVA_FaxAttribute);
+    auto* const crypto = new QOVA_Crypto;
+    media->cryptos.push_back(crypto);
+    crypto->keys.push_back({});
+    return offer;
+}
+
+// Every const operation.
+void read(const QOVA_Capability& capability) {
+    const QOVA_Capability copy(capability);
+    const std::string text = capability;
+    const bool found = capability.find(CODEC_G722) != nullptr &&
+                       capability.find(FT_T38_TCP) == nullptr &&
+                       capability.find_mf(CODEC_NIL) != nullptr &&
+                       capability.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_UNKNOWN).size() == 1 &&
+                       capability.isMute();
+    if (!found || !(capability == capability) || text != static_cast<const std::string&>(copy)) {
+        std::abort();
+    }
+}
+
+// And the others.
+void write(QOVA_Capability& capability) {
+    const UDPAddr to(IPAddress::IpAddressAny, 0);
+    capability.setPublicAddrPort(to, 40000, 7000);
+    capability.setLocalAddrPort(to, 40000, 7000);
+    capability.ClearMediaDirection();
+    capability.rejectMedia(QOVA_Media::MT_AUDIO);
+}
+
+void in_four_threads(const std::function<void()>& work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 100; ++round) {
+                work();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string what = argc == 2 ? argv[1] : "";
+    QOVA_Capability shared = make_offer();
+    if (what == "read") {
+        in_four_threads([&] { read(shared); });
+    } else if (what == "own") {
+        in_four_threads([] {
+            QOVA_Capability own = make_offer();
+            read(own);
+            write(own);
+            const QOVA_Capability source = make_offer();
+            own = source;
+        });
+    } else if (what == "write") {
+        in_four_threads([&] { shared.ClearMediaDirection(); });
+    } else {
+        std::fprintf(stderr, "usage: qova_threads read|own|write\n");
+        return 2;
+    }
+    return 0;
+}

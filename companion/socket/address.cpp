@@ -17,7 +17,7 @@ constexpr std::size_t v6_size = 16;
 // IPv4 is written by hand and from a table, as equality of media asks for the text of every
 // address: inet_ntop alone would make it several times slower.
 struct Octet {
-    char text[4];  // in decimal, with a dot behind it
+    char text[4];  // in decimal, followed by a dot
     unsigned char length;
 };
 
@@ -37,7 +37,7 @@ constexpr std::array<Octet, 256> make_octets() {
 
 constexpr std::array<Octet, 256> octets = make_octets();
 
-// The longest IPv4 address and the dot behind it, which is written, but does not count.
+// The longest IPv4 address and the dot after it, which is written, but does not count.
 constexpr std::size_t v4_room = v4_size * sizeof Octet::text;
 
 char* write_v4(char* to, const unsigned char* bytes) {

@@ -1,7 +1,7 @@
 // Descriptions for the tests of the example's reader and mover.
 
-#ifndef QOVA_TESTS_SDP_DESCRIPTIONS_H
-#define QOVA_TESTS_SDP_DESCRIPTIONS_H
+#ifndef QOVA_TESTS_EXAMPLE_DESCRIPTIONS_H
+#define QOVA_TESTS_EXAMPLE_DESCRIPTIONS_H
 
 #include <initializer_list>
 #include <stdexcept>

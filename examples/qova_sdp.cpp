@@ -91,16 +91,6 @@ void write(const std::string& text) {
     }
 }
 
-// The value of a result; an error becomes "FILE:LINE: message".
-template <class T>
-T value_or_fail(const std::string& file, sdp::Result<T> result) {
-    if (const auto* const error = std::get_if<sdp::Error>(&result)) {
-        const std::string line = error->line == 0 ? "" : ":" + std::to_string(error->line);
-        fail(display_name(file) + line + ": " + error->message);
-    }
-    return std::get<T>(std::move(result));
-}
-
 unsigned short port_option(const std::string& option, const std::string& value) {
     const auto port = sdp::number(value, 65535);
     if (!port || *port == 0) {
@@ -166,9 +156,8 @@ std::string with_newline(std::string text) {
 
 void run_log(const Options& options) {
     const sdp::Role role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
-    const sdp::Reading reading =
-        value_or_fail(*options.file, sdp::read(read_file(*options.file), role));
-    write(with_newline(*reading.capability));
+    const std::string text = read_file(*options.file);
+    write(with_newline(*sdp::read(sdp::Description(text), role).capability));
 }
 
 void run_move(const Options& options) {
@@ -180,7 +169,7 @@ void run_move(const Options& options) {
         }
     }
     const sdp::Plan plan = {*options.address, *options.audio_port, *options.fax_port, options.back};
-    const sdp::Move move = value_or_fail(*options.file, sdp::move(read_file(*options.file), plan));
+    const sdp::Move move = sdp::move(read_file(*options.file), plan);
     write(move.text);
     const std::string log =
         "before: " + with_newline(move.log_before) + "after: " + with_newline(move.log_after);
@@ -202,10 +191,13 @@ void run(const std::vector<std::string>& arguments) {
         write(usage);
     } else if (!options.file) {
         misuse("no FILE is given");
-    } else if (command == "log") {
-        run_log(options);
     } else {
-        run_move(options);
+        try {
+            command == "log" ? run_log(options) : run_move(options);
+        } catch (const sdp::Refusal& refusal) {
+            const std::string line = refusal.line == 0 ? "" : ":" + std::to_string(refusal.line);
+            fail(display_name(*options.file) + line + ": " + refusal.what());
+        }
     }
 }
 

@@ -82,7 +82,7 @@ std::vector<AddressField> addresses_of(const Section& section, const Line* sessi
     for (const Line& line : section) {
         if (line.type == 'c') {
             fields.push_back(connection_address(line));
-        } else if (line.type == 'a' && same(line.name, "rtcp")) {
+        } else if (same(line.name, "rtcp")) {
             if (const auto field = rtcp_line(line).address) {
                 fields.push_back(*field);
             }
@@ -92,6 +92,15 @@ std::vector<AddressField> addresses_of(const Section& section, const Line* sessi
                                 [](const auto& field) { return field.address.IsAny() != 0; }),
                  fields.end());
     return fields;
+}
+
+// The address of a session's line; nothing where it is a host name or broken.
+std::optional<AddressField> address_or_none(const Line& line) {
+    try {
+        return line.type == 'c' ? connection_address(line) : origin_address(line);
+    } catch (const Refusal&) {
+        return std::nullopt;
+    }
 }
 
 MovingAddresses moving_addresses(const Description& description, const Reading& reading) {
@@ -125,14 +134,11 @@ MovingAddresses moving_addresses(const Description& description, const Reading& 
         if (line.type != 'c' && line.type != 'o') {
             continue;
         }
-        const Result<AddressField> field = result_of(
-            [&line] { return line.type == 'c' ? connection_address(line) : origin_address(line); });
-        if (const auto* const place = std::get_if<AddressField>(&field)) {
-            if (addresses.count(place->address.ToString()) != 0) {
-                moving.fields.push_back(*place);
-                if (line.type == 'c') {
-                    moving.session_connection = &line;
-                }
+        const auto field = address_or_none(line);
+        if (field && addresses.count(field->address.ToString()) != 0) {
+            moving.fields.push_back(*field);
+            if (line.type == 'c') {
+                moving.session_connection = &line;
             }
         }
     }
@@ -146,9 +152,9 @@ MovingAddresses moving_addresses(const Description& description, const Reading& 
 
 class Editor {
 public:
-    Editor(const Description& whole, const Plan& how, const MovingAddresses& moving)
-        : description(whole), plan(how) {
-        IPAddress::Parse(plan.address, address);
+    Editor(const Description& whole, const Plan& how, const IPAddress& to,
+           const MovingAddresses& moving)
+        : description(whole), plan(how), address(to) {
         for (const AddressField& field : moving.fields) {
             if (field.suffix || field.address.IsMulticast()) {
                 throw Refusal(field.line, "a multicast address cannot move");
@@ -160,9 +166,9 @@ public:
         }
         if (moving.session_connection != nullptr) {
             const Line& line = *moving.session_connection;
-            old_connection = description.text.substr(line.begin, line.end - line.begin);
+            old_connection = description.content(line);
             new_connection = edited(line);
-            connection_ending = ending(line);
+            connection_ending = description.ending(line);
         }
     }
 
@@ -170,7 +176,7 @@ public:
     void edit_ports(const Section& section, const QOVA_Media& media) {
         edit_port(media_line(section.front()).port_digits, media.rcvPort);
         for (const Line& line : section) {
-            if (line.type == 'a' && same(line.name, "rtcp")) {
+            if (same(line.name, "rtcp")) {
                 edit_port(rtcp_line(line).port_digits, media.rcvPort2);
             }
         }
@@ -181,7 +187,7 @@ public:
         if (old_connection == new_connection) {
             return;
         }
-        // The copy stands behind this one.
+        // The copy stands after this one.
         std::size_t before = 0;
         while (is_next(section, before + 1) && section[before + 1].type == 'i') {
             ++before;
@@ -191,7 +197,7 @@ public:
         const std::string& copy = plan.back ? new_connection : old_connection;
         std::size_t copies = 0;
         while (is_next(section, before + 1 + copies) &&
-               content(section[before + 1 + copies]) == copy) {
+               description.content(section[before + 1 + copies]) == copy) {
             ++copies;
         }
         if (all == 0 || (!plan.back && copies == all)) {
@@ -204,14 +210,6 @@ public:
     std::string result() { return apply(description.text, std::move(edits)); }
 
 private:
-    std::string_view content(const Line& line) const {
-        return description.text.substr(line.begin, line.end - line.begin);
-    }
-
-    std::string_view ending(const Line& line) const {
-        return description.text.substr(line.end, line.next - line.end);
-    }
-
     // Whether a section has a line of that index, with no blank line before it.
     static bool is_next(const Section& section, std::size_t index) {
         return index < section.size() && section[index].begin == section[index - 1].next;
@@ -243,30 +241,31 @@ private:
                 of_line.push_back({edit.offset - line.begin, edit.length, edit.text});
             }
         }
-        return apply(content(line), std::move(of_line));
+        return apply(description.content(line), std::move(of_line));
     }
 
     void insert_connection(const Line& before) {
-        if (ending(before).empty()) {
+        if (description.ending(before).empty()) {
             edits.push_back({before.end, 0, connection_ending + old_connection});
         } else {
             std::string line = old_connection;
-            edits.push_back({before.next, 0, line.append(ending(before))});
+            edits.push_back({before.next, 0, line.append(description.ending(before))});
         }
     }
 
     // The exact reverse, if insert_connection() can have made the line.
     void remove_connection(const Line& before, const Line& copy) {
-        if (ending(copy) == ending(before)) {
+        if (description.ending(copy) == description.ending(before)) {
             edits.push_back({copy.begin, copy.next - copy.begin, {}});
-        } else if (ending(copy).empty() && ending(before) == connection_ending) {
+        } else if (description.ending(copy).empty() &&
+                   description.ending(before) == connection_ending) {
             edits.push_back({before.end, copy.end - before.end, {}});
         }
     }
 
     const Description& description;
     const Plan& plan;
-    IPAddress address;
+    const IPAddress& address;
     std::string old_connection;  // the session's c= line, when it changes
     std::string new_connection;
     std::string connection_ending;
@@ -286,13 +285,13 @@ Move move_once(const std::string& text, const Plan& plan) {
         }
     }
     const MovingAddresses moving = moving_addresses(description, reading);
-    Editor editor(description, plan, moving);
+    IPAddress address;
+    IPAddress::Parse(plan.address, address);
+    Editor editor(description, plan, address, moving);
 
     Move move;
     move.old_address = moving.old_address;
     move.log_before = std::string(capability);
-    IPAddress address;
-    IPAddress::Parse(plan.address, address);
     const UDPAddr endpoint(address, 0);
     if (plan.back) {
         capability.setLocalAddrPort(endpoint, plan.audio_port, plan.fax_port);
@@ -333,14 +332,12 @@ bool is_address(const std::string& text) {
     return IPAddress::Parse(text, address) && !address.IsMulticast();
 }
 
-Result<Move> move(const std::string& text, const Plan& plan) {
-    return result_of([&] {
-        Move move = move_once(text, plan);
-        if (!plan.back && !move.old_address.empty()) {
-            check_way_back(text, plan, move);
-        }
-        return move;
-    });
+Move move(const std::string& text, const Plan& plan) {
+    Move move = move_once(text, plan);
+    if (!plan.back && !move.old_address.empty()) {
+        check_way_back(text, plan, move);
+    }
+    return move;
 }
 
 }  // namespace sdp

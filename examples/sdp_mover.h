@@ -19,7 +19,7 @@
 // written) restores the text byte for byte. That is tried before a move is accepted, and it needs
 // one rule, for the c= lines that a move adds:
 //
-//   `move` gives a line that keeps its address a copy of the session's old c= line, directly behind
+//   `move` gives a line that keeps its address a copy of the session's old c= line, directly after
 //   its m= and i= lines, if it has no c= line, or if all it has is such copies there already.
 //   `back` takes one of those copies away, or gives a line without c= line a copy of the old one.
 //
@@ -52,8 +52,8 @@ struct Move {
 // Whether media can be sent to an address: an IPv4 or IPv6 address that is no multicast group.
 bool is_address(const std::string& text);
 
-// Moves a description, which is read as an offer. Linear in the length of the text.
-Result<Move> move(const std::string& text, const Plan& plan);
+// Moves a description, which is read as an offer. Linear in the length of the text. Throws Refusal.
+Move move(const std::string& text, const Plan& plan);
 
 }  // namespace sdp
 

@@ -1,6 +1,5 @@
 // Reads a session description (RFC 4566) into a QOVA_Capability.
 //
-// sofia-sip's parser decides what is SDP, names the media and payloads and gives the directions.
 // Attributes with values are read from their own lines: the parser drops fmtp lines that are broken
 // or repeated, and it knows no line numbers.
 //
@@ -10,7 +9,6 @@
 #define QOVA_EXAMPLES_SDP_READER_H
 
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "qova/capability.h"
@@ -26,10 +24,7 @@ struct Reading {
     std::vector<QOVA_Media*> media;  // one for each m= line; null: passed through
 };
 
-// Reads a description, or says why not. Linear in the length of the text.
-Result<Reading> read(const std::string& text, Role role);
-
-// The same for a text that is split into lines already. Throws Refusal.
+// Linear in the length of the text. Throws Refusal.
 Reading read(const Description& description, Role role);
 
 }  // namespace sdp

@@ -9,8 +9,8 @@ namespace sdp {
 
 namespace {
 
-constexpr std::string_view blanks = " \t";
 constexpr unsigned long long greatest_port = 65535;
+constexpr std::size_t most_formats = 128;  // RTP has no room for more payloads
 
 char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -36,9 +36,10 @@ Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::stri
         throw Refusal(number, "SDP has no such kind of line");
     }
     if (line.type == 'a') {
-        const std::size_t colon = std::min(line.value.find(':'), line.value.size());
-        line.name = trimmed(line.value.substr(0, colon));
-        line.value.remove_prefix(std::min(colon + 1, line.value.size()));
+        std::vector<std::string_view> parts = split(line.value, ":", 2);
+        parts.resize(2);
+        line.name = trimmed(parts[0]);
+        line.value = parts[1];
     }
     line.value = trimmed(line.value);
     return line;
@@ -73,9 +74,9 @@ AddressField address_field(std::size_t line, const std::string_view* fields) {
     AddressField field;
     field.line = line;
     field.label = fields[1];
-    const std::size_t slash = std::min(fields[2].find('/'), fields[2].size());
-    field.text = fields[2].substr(0, slash);
-    field.suffix = slash != fields[2].size();
+    const std::vector<std::string_view> parts = split(fields[2], "/", 2);
+    field.text = parts[0];
+    field.suffix = parts.size() == 2;
     const bool is_v6 = same(field.label, "IP6");
     if (!same(fields[0], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
         throw Refusal(line, "the address is neither IN IP4 nor IN IP6");
@@ -97,21 +98,29 @@ bool same(std::string_view left, std::string_view right) {
                       [](char l, char r) { return lower(l) == lower(r); });
 }
 
-std::vector<std::string_view> tokens(std::string_view text) {
-    std::vector<std::string_view> found;
-    std::size_t begin = text.find_first_not_of(blanks);
-    while (begin != std::string_view::npos) {
-        const std::size_t end = std::min(text.find_first_of(blanks, begin), text.size());
-        found.push_back(text.substr(begin, end - begin));
-        begin = text.find_first_not_of(blanks, end);
-    }
-    return found;
-}
-
 std::string_view trimmed(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
     const std::size_t last = text.find_last_not_of(blanks);
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
+}
+
+std::vector<std::string_view> split(std::string_view text, std::string_view separators,
+                                    std::size_t most) {
+    std::vector<std::string_view> pieces;
+    std::size_t end = text.find_first_of(separators);
+    while (end != std::string_view::npos && pieces.size() + 1 < most) {
+        pieces.push_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+        end = text.find_first_of(separators);
+    }
+    pieces.push_back(text);
+    return pieces;
+}
+
+std::vector<std::string_view> tokens(std::string_view text) {
+    std::vector<std::string_view> pieces = split(text, blanks);
+    pieces.erase(std::remove(pieces.begin(), pieces.end(), ""), pieces.end());
+    return pieces;
 }
 
 std::optional<unsigned long long> number(std::string_view digits, unsigned long long greatest) {
@@ -122,6 +131,16 @@ std::optional<unsigned long long> number(std::string_view digits, unsigned long 
         return std::nullopt;
     }
     return value;
+}
+
+unsigned long long needed_number(std::size_t line, const std::string& what, std::string_view digits,
+                                 unsigned long long greatest) {
+    const auto value = number(digits, greatest);
+    if (!value) {
+        throw Refusal(line,
+                      what + ": the value is no number from 0 to " + std::to_string(greatest));
+    }
+    return *value;
 }
 
 Description::Description(const std::string& whole) : text(whole), sections(1) {
@@ -157,6 +176,14 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
         throw Refusal(0, "no session description: there is nothing in it");
     }
     check_order(sections);
+}
+
+std::string_view Description::content(const Line& line) const {
+    return text.substr(line.begin, line.end - line.begin);
+}
+
+std::string_view Description::ending(const Line& line) const {
+    return text.substr(line.end, line.next - line.end);
 }
 
 std::size_t Description::offset(std::string_view piece) const {
@@ -202,26 +229,26 @@ MediaLine media_line(const Line& line) {
                       "the kind, the transport or a format is not made of token characters");
     }
     MediaLine media;
-    const std::size_t slash = std::min(fields[1].find('/'), fields[1].size());
-    media.port_digits = fields[1].substr(0, slash);
+    const std::vector<std::string_view> ports = split(fields[1], "/", 2);
+    media.port_digits = ports[0];
     const auto port = number(media.port_digits, greatest_port);
     if (!port) {
         throw Refusal(line.number, "the port is no number from 0 to 65535");
     }
     media.port = static_cast<unsigned long>(*port);
-    unsigned long ports = 1;
-    if (slash != fields[1].size()) {
-        const auto count = number(fields[1].substr(slash + 1), greatest_port);
-        if (!count || *count == 0) {
-            throw Refusal(line.number, "the number of ports is out of range");
-        }
-        ports = static_cast<unsigned long>(*count);
+    const auto count = number(ports.size() == 2 ? ports[1] : "1", greatest_port);
+    if (!count || *count == 0) {
+        throw Refusal(line.number, "the number of ports is out of range");
     }
     media.transport = fields[2];
     media.is_rtp = ends_in(media.transport, "RTP/AVP") || ends_in(media.transport, "RTP/AVPF") ||
                    ends_in(media.transport, "RTP/SAVP") || ends_in(media.transport, "RTP/SAVPF");
-    media.more_ports = (media.is_rtp && ports > 1 ? 2 * ports : ports) - 1;
-    media.format_count = fields.size() - 3;
+    media.more_ports =
+        static_cast<unsigned long>(media.is_rtp && *count > 1 ? 2 * *count : *count) - 1;
+    media.formats.assign(fields.begin() + 3, fields.end());
+    if (media.formats.size() > most_formats) {
+        throw Refusal(line.number, "the media has more than 128 formats");
+    }
     return media;
 }
 

@@ -11,61 +11,52 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "socket/address.h"
 
 namespace sdp {
 
-// Why a description is refused. The message quotes nothing of the description, whose lines may
-// hold keys.
-struct Error {
-    std::size_t line = 0;  // counted from 1; 0: the description as a whole
-    std::string message;
-};
-
-template <class T>
-using Result = std::variant<T, Error>;
-
-// How an Error travels inside the reader and the mover.
+// Why a description is refused, or a line of it. The message quotes nothing of the description,
+// whose lines may hold keys.
 class Refusal : public std::runtime_error {
 public:
     Refusal(std::size_t in_line, const std::string& message)
         : std::runtime_error(message), line(in_line) {}
 
-    std::size_t line;
+    std::size_t line;  // counted from 1; 0: the description as a whole
 };
-
-template <class Function>
-auto result_of(Function function) -> Result<decltype(function())> {
-    try {
-        return function();
-    } catch (const Refusal& refusal) {
-        return Error{refusal.line, refusal.what()};
-    }
-}
 
 // Case counts for none of SDP's names here; the host's locale plays no part.
 bool same(std::string_view left, std::string_view right);
 
-// The pieces between blanks and tabs.
-std::vector<std::string_view> tokens(std::string_view text);
+constexpr std::string_view blanks = " \t";
 
 std::string_view trimmed(std::string_view text);
 
+// What stands between separators, at most so many pieces: the last one is the rest of the text.
+std::vector<std::string_view> split(std::string_view text, std::string_view separators,
+                                    std::size_t most = std::string_view::npos);
+
+// What stands between blanks, however many.
+std::vector<std::string_view> tokens(std::string_view text);
+
 // A decimal number of digits only; nothing when the text is another thing or exceeds the greatest.
 std::optional<unsigned long long> number(std::string_view digits, unsigned long long greatest);
+
+// The same where a line has to have one. Throws Refusal, which says what is no number.
+unsigned long long needed_number(std::size_t line, const std::string& what, std::string_view digits,
+                                 unsigned long long greatest);
 
 // One line. Blank lines are passed over, but counted.
 struct Line {
     std::size_t number;      // from 1, as an editor counts
     std::size_t begin;       // offset of the line in the text
     std::size_t end;         // offset of its line ending
-    std::size_t next;        // offset behind its line ending; the same where the text just ends
+    std::size_t next;        // offset after its line ending; the same where the text just ends
     char type;               // the letter before "="
     std::string_view name;   // of an attribute (a=); else empty
-    std::string_view value;  // behind "name:" of an attribute, else behind "="; no outer blanks
+    std::string_view value;  // after "name:" of an attribute, else after "="; no outer blanks
 };
 
 using Section = std::vector<Line>;
@@ -78,6 +69,10 @@ public:
 
     std::string_view text;
     std::vector<Section> sections;  // the session's, then one for each m= line, which opens it
+
+    // A line as it came, and what ends it.
+    std::string_view content(const Line& line) const;
+    std::string_view ending(const Line& line) const;
 
     // Where a piece of the text stands in it.
     std::size_t offset(std::string_view piece) const;
@@ -96,7 +91,7 @@ struct MediaLine {
     unsigned long more_ports = 0;  // that follow on the first, where a count asks for them
     std::string_view transport;
     bool is_rtp = false;
-    std::size_t format_count = 0;
+    std::vector<std::string_view> formats;
 };
 MediaLine media_line(const Line& line);
 

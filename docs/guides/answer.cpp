@@ -3,7 +3,6 @@
 #include <iostream>
 #include <string>
 #include <utility>
-#include <variant>
 
 #include "ownership.h"
 #include "qova/attributes.h"
@@ -69,12 +68,14 @@ int main() {
     // [text]
 
     // [read]
-    sdp::Result<sdp::Reading> result = sdp::read(text, sdp::Role::OFFER);
-    if (const sdp::Error* const error = std::get_if<sdp::Error>(&result)) {
-        std::cerr << "line " << error->line << ": " << error->message << '\n';
+    sdp::Reading reading;
+    try {
+        reading = sdp::read(sdp::Description(text), sdp::Role::OFFER);
+    } catch (const sdp::Refusal& refusal) {
+        std::cerr << "line " << refusal.line << ": " << refusal.what() << '\n';
         return 1;
     }
-    const QOVA_Capability& offer = *std::get<sdp::Reading>(result).capability;
+    const QOVA_Capability& offer = *reading.capability;
     // [read]
     std::cout << static_cast<const std::string&>(offer) << "--\n";
 

@@ -4,14 +4,11 @@
 #define QOVA_TESTS_EXAMPLE_DESCRIPTIONS_H
 
 #include <initializer_list>
-#include <stdexcept>
 #include <string>
-#include <utility>
-#include <variant>
 
 #include "sdp_text.h"
 
-// Lines with CR LF behind each.
+// Lines with CR LF after each.
 inline std::string lines(std::initializer_list<std::string> list) {
     std::string text;
     for (const std::string& line : list) {
@@ -26,24 +23,15 @@ inline std::string session(std::initializer_list<std::string> media) {
            lines(media);
 }
 
-inline std::string shown(const sdp::Error& error) {
-    return std::to_string(error.line) + ": " + error.message;
-}
-
-// The value of a result that has to be one.
-template <class T>
-T accepted(sdp::Result<T> result) {
-    if (const auto* const error = std::get_if<sdp::Error>(&result)) {
-        throw std::runtime_error("refused: " + shown(*error));
+// "LINE: message" of a call that refuses its description, or "accepted".
+template <class Call>
+std::string refusal(Call call) {
+    try {
+        call();
+        return "accepted";
+    } catch (const sdp::Refusal& refusal) {
+        return std::to_string(refusal.line) + ": " + refusal.what();
     }
-    return std::get<T>(std::move(result));
-}
-
-// "LINE: message" of a result that has to be an error.
-template <class T>
-std::string refusal(const sdp::Result<T>& result) {
-    const auto* const error = std::get_if<sdp::Error>(&result);
-    return error == nullptr ? "accepted" : shown(*error);
 }
 
 #endif

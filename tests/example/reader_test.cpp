@@ -21,11 +21,11 @@ const std::string key_30 = "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
 const std::string key_46 = "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8gISIjJCUmJygpKissLQ==";
 
 sdp::Reading reading_of(const std::string& text) {
-    return accepted(sdp::read(text, Role::OFFER));
+    return sdp::read(sdp::Description(text), Role::OFFER);
 }
 
 std::string refusal_of(const std::string& text) {
-    return refusal(sdp::read(text, Role::OFFER));
+    return refusal([&] { sdp::read(sdp::Description(text), Role::OFFER); });
 }
 
 // What is wrong with an audio line that has an attribute, which is line 7.
@@ -57,29 +57,21 @@ private:
     sdp::Reading reading;
 };
 
-std::vector<int> codecs(const QOVA_Media& media) {
+std::vector<int> codecs(const QOVA_Media& media,
+                        QOVA_Codec QOVA_AudioAttribute::*member = &QOVA_AudioAttribute::codec) {
     std::vector<int> found;
     for (std::size_t i = 0; i < media.attributes.size(); ++i) {
-        found.push_back(attribute<QOVA_AudioAttribute>(media, i).codec);
+        found.push_back(attribute<QOVA_AudioAttribute>(media, i).*member);
     }
     return found;
 }
 
-std::vector<int> tone_events(const QOVA_Media& media) {
-    std::vector<int> found;
-    for (std::size_t i = 0; i < media.attributes.size(); ++i) {
-        found.push_back(attribute<QOVA_AudioAttribute>(media, i).mf);
-    }
-    return found;
-}
-
-// --- Session
-// --------------------------------------------------------------------------------------
+// --- Session -------------------------------------------------------------------------------------
 
 TEST(SdpReader, TakesTheRoleFromItsCaller) {
     const std::string text = session({});
-    EXPECT_TRUE(accepted(sdp::read(text, Role::OFFER)).capability->offer);
-    EXPECT_FALSE(accepted(sdp::read(text, Role::ANSWER)).capability->offer);
+    EXPECT_TRUE(sdp::read(sdp::Description(text), Role::OFFER).capability->offer);
+    EXPECT_FALSE(sdp::read(sdp::Description(text), Role::ANSWER).capability->offer);
 }
 
 TEST(SdpReader, KeepsTheOrderOfTheLinesAndSaysWhichMediaIsWhose) {
@@ -181,8 +173,7 @@ TEST(SdpSilenceSuppression, IsSignalledByAnyLineThatTurnsItOn) {
         {"a=silenceSupp:on - - - -", "m=audio 5004 RTP/AVP 0", "a=silenceSupp:off - - - -"}));
 }
 
-// --- Lines
-// ----------------------------------------------------------------------------------------
+// --- Lines ---------------------------------------------------------------------------------------
 
 struct Kind {
     const char* line;
@@ -238,6 +229,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(SdpMedia, HasOneAttributeForEachFormat) {
     EXPECT_EQ(OneLine({"m=video 5004 RTP/AVP 31 34 96"}).media().attributes.size(), 3U);
     EXPECT_EQ(OneLine({"m=message 5004 TCP/MSRP a b"}).media().attributes.size(), 2U);
+    EXPECT_EQ(OneLine({"m=data 5004 RTP 100 101"}).media().attributes.size(), 2U);
     EXPECT_EQ(OneLine({"m=image 6666 udptl t38 x"}).media().attributes.size(), 1U);
     EXPECT_EQ(OneLine({"m=audio 5004 RTP/AVP"}).media().attributes.size(), 0U);
     EXPECT_EQ(OneLine({"m=audio 5004 RTP/AVP 0 8 0"}).media().attributes.size(), 2U);
@@ -301,8 +293,7 @@ TEST(SdpMedia, MayLackAnAddressWhenRejectedOrPassedThrough) {
               "4: no c= line gives this media an address");
 }
 
-// --- Audio
-// ----------------------------------------------------------------------------------------
+// --- Audio ---------------------------------------------------------------------------------------
 
 struct CodecRow {
     const char* payload;
@@ -352,7 +343,7 @@ TEST(SdpAudio, CarriesToneEventsInThePayloadsOfTheirClockRate) {
                           "a=rtpmap:105 telephone-event/8000"};
     EXPECT_EQ(codecs(line.media()),
               (std::vector<int>{CODEC_G711_ULAW, CODEC_G722_2, CODEC_OPUS, CODEC_G722, 98, 97}));
-    EXPECT_EQ(tone_events(line.media()),
+    EXPECT_EQ(codecs(line.media(), &QOVA_AudioAttribute::mf),
               (std::vector<int>{101, 102, CODEC_NIL, 101, CODEC_NIL, CODEC_NIL}));
     EXPECT_NE(line.capability().find_mf(static_cast<QOVA_Codec>(102)), nullptr);
 }
@@ -403,22 +394,19 @@ INSTANTIATE_TEST_SUITE_P(
                     VadRow{"", "8", "", "annexb=yes", false}));
 
 TEST(SdpAmrwb, FillsTheParametersOfTheLine) {
-    const OneLine line = {"m=audio 5004 RTP/AVP 104", "a=rtpmap:104 AMR-WB/16000/2",
-                          "a=fmtp:104 octet-align=1; mode-set=0, 2,8 ;mode-change-period=2;"
-                          "Mode-Change-Capability=2;mode-change-neighbor=1;crc=0;robust-sorting=1;"
-                          "interleaving=30;max-red=220;unknown;other=x;"};
-    const Sdp::Sdp_Amrwb_Param& amrwb = *line.media().amrwbParam;
-    EXPECT_EQ(amrwb.payloadType, 104);
-    EXPECT_EQ(amrwb.octetAlign, 1);
-    EXPECT_EQ(amrwb.modeSet, (std::list<int>{0, 2, 8}));
-    EXPECT_EQ(amrwb.modeChangePeriod, 2);
-    EXPECT_EQ(amrwb.modeChangeCapability, 2);
-    EXPECT_EQ(amrwb.modeChangeNeighbor, 1);
-    EXPECT_EQ(amrwb.crc, 0);
-    EXPECT_EQ(amrwb.robustSorting, 1);
-    EXPECT_EQ(amrwb.interleaving, 30);
-    EXPECT_EQ(amrwb.channels, 2);
-    EXPECT_EQ(amrwb.maxRed, 220);
+    const auto amrwb = [](const std::string& map, const std::string& parameters) {
+        const OneLine line = {"m=audio 5004 RTP/AVP 104", "a=rtpmap:104 " + map,
+                              "a=fmtp:104 " + parameters};
+        return std::string(*line.media().amrwbParam);
+    };
+    for (const std::string parameter :
+         {"octet-align=1", "mode-set=0,2,8", "mode-change-period=2", "mode-change-capability=2",
+          "mode-change-neighbor=1", "crc=0", "robust-sorting=1", "interleaving=30", "channels=3",
+          "max-red=220"}) {
+        EXPECT_EQ(amrwb("AMR-WB/16000", parameter), " AMR-WB(payload-type=104; " + parameter + ")");
+    }
+    EXPECT_EQ(amrwb("AMR-WB/16000/2", "unknown; Mode-Set=0, 2,8 ;CRC = 1;max-red=2;other=x;"),
+              " AMR-WB(payload-type=104; mode-set=0,2,8; crc=1; channels=2; max-red=2)");
 }
 
 TEST(SdpAmrwb, OfTheFirstSuchPayloadOnlyButOfAllItsLines) {
@@ -432,20 +420,17 @@ TEST(SdpAmrwb, OfTheFirstSuchPayloadOnlyButOfAllItsLines) {
 }
 
 TEST(SdpOpus, FillsTheParametersOfTheLine) {
-    const OneLine line = {"m=audio 5004 RTP/AVP 111", "a=rtpmap:111 opus/48000/2",
-                          "a=fmtp:111 maxplaybackrate=48000;sprop-maxcapturerate=16000; "
-                          "maxaveragebitrate=510000;stereo=1;cbr=1;useinbandfec=1;usedtx=1;"
-                          "maxptime=120;sprop-stereo=1;minptime=10"};
-    const Sdp::Sdp_Opus_Param& opus = *line.media().opusParam;
-    EXPECT_EQ(opus.maxPlaybackRate, 48000);
-    EXPECT_EQ(opus.spropMaxCaptureRate, 16000);
-    EXPECT_EQ(opus.maxAverageBitrate, 510000);
-    EXPECT_TRUE(opus.stereo);
-    EXPECT_TRUE(opus.cbr);
-    EXPECT_TRUE(opus.useInbandFec);
-    EXPECT_TRUE(opus.useDtx);
-    EXPECT_EQ(opus.maxPtime, 120);
-    EXPECT_TRUE(opus.spropStereo);
+    const auto opus = [](const std::string& parameters) {
+        const OneLine line = {"m=audio 5004 RTP/AVP 111", "a=rtpmap:111 opus/48000/2",
+                              "a=fmtp:111 " + parameters};
+        return std::string(*line.media().opusParam);
+    };
+    for (const std::string parameter :
+         {"maxplaybackrate=48000", "sprop-maxcapturerate=16000", "maxaveragebitrate=510000",
+          "stereo=1", "cbr=1", "useinbandfec=1", "usedtx=1", "maxptime=120", "sprop-stereo=1"}) {
+        EXPECT_EQ(opus(parameter), " opus(" + parameter + ")");
+    }
+    EXPECT_EQ(opus("stereo=1; cbr=0;minptime=10;usedtx=1"), " opus(stereo=1; usedtx=1)");
 }
 
 TEST(SdpOpus, ParametersOfOtherPayloadsPlayNoPart) {
@@ -458,8 +443,7 @@ TEST(SdpOpus, ParametersOfOtherPayloadsPlayNoPart) {
     EXPECT_EQ(std::string(*line.media().opusParam), "");
 }
 
-// --- Fax
-// ------------------------------------------------------------------------------------------
+// --- Fax -----------------------------------------------------------------------------------------
 
 TEST(SdpFax, TakesTheT38Attributes) {
     const OneLine line = {"m=image 6666 udptl t38",
@@ -498,8 +482,7 @@ TEST(SdpFax, NamesEachValue) {
     EXPECT_TRUE(fax("a=T38FaxTranscodingJBIG").transJBIG);
 }
 
-// --- Crypto
-// ---------------------------------------------------------------------------------------
+// --- Crypto --------------------------------------------------------------------------------------
 
 TEST(SdpCrypto, TakesTagSuiteLifetimeMkiAndKey) {
     const OneLine line = {"m=audio 5004 RTP/SAVP 0",
@@ -643,8 +626,7 @@ INSTANTIATE_TEST_SUITE_P(
         BrokenCrypto{inline_30 + "|1:1|2^20", ": something follows a key's lifetime and MKI"},
         BrokenCrypto{inline_30 + "|2^20|2^20", ": something follows a key's lifetime and MKI"}));
 
-// --- Pass-through
-// ---------------------------------------------------------------------------------
+// --- Pass-through --------------------------------------------------------------------------------
 
 TEST(SdpPassThrough, IsTheLinesAsTheyCame) {
     const sdp::Reading reading =
@@ -669,8 +651,7 @@ TEST(SdpPassThrough, WithholdsKeys) {
                "a=x-crypto:1 Inline:(withheld)", "i=inline:(withheld)", "a=crypto", "a=kept"}));
 }
 
-// --- Refusals
-// -------------------------------------------------------------------------------------
+// --- Refusals ------------------------------------------------------------------------------------
 
 TEST(SdpRefusal, OfWhatIsNoDescription) {
     EXPECT_EQ(refusal_of(""), "0: no session description: there is nothing in it");

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
-#include <variant>
 
 #include "sdp_mover.h"
 #include "sdp_reader.h"
@@ -28,52 +28,70 @@ void print_counts() {
     std::abort();
 }
 
-void check(const sdp::Error& error, const std::string& text) {
+void check(const sdp::Refusal& refusal, const std::string& text) {
+    const std::string message = refusal.what();
     const auto is_end = [](char byte) { return byte == '\n' || byte == '\r'; };
     const auto line_ends = std::count_if(text.begin(), text.end(), is_end);
-    if (error.message.empty()) {
+    if (message.empty()) {
         fail("a refusal without a message", text);
     }
-    if (error.line > static_cast<std::size_t>(line_ends) + 1) {
-        fail("a refusal that names line " + std::to_string(error.line), text);
+    if (refusal.line > static_cast<std::size_t>(line_ends) + 1) {
+        fail("a refusal that names line " + std::to_string(refusal.line), text);
     }
-    if (std::any_of(error.message.begin(), error.message.end(),
+    if (std::any_of(message.begin(), message.end(),
                     [](char byte) { return byte < ' ' || byte > '~'; })) {
-        fail("a message that cannot be printed: " + error.message, text);
+        fail("a message that cannot be printed: " + message, text);
     }
 }
 
-void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::Move& move) {
-    if (move.old_address.empty()) {
+// What a call gives for a text; nothing when it refuses the text, which it has to say as it should.
+template <class Call>
+auto unless_refused(const std::string& text, Call call) -> std::optional<decltype(call())> {
+    try {
+        return call();
+    } catch (const sdp::Refusal& refusal) {
+        check(refusal, text);
+        return std::nullopt;
+    }
+}
+
+std::optional<sdp::Reading> checked_read(const std::string& text, sdp::Role role) {
+    return unless_refused(text, [&] { return sdp::read(sdp::Description(text), role); });
+}
+
+std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& plan) {
+    return unless_refused(text, [&] { return sdp::move(text, plan); });
+}
+
+void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::Move& there) {
+    if (there.old_address.empty()) {
         return;  // the media do not share one address
     }
-    const sdp::Plan back = {move.old_address, plan.audio_port, plan.fax_port, !plan.back};
-    const auto restored = sdp::move(move.text, back);
-    if (const auto* const error = std::get_if<sdp::Error>(&restored)) {
-        fail("the way back is refused: " + error->message, text);
+    const sdp::Plan back = {there.old_address, plan.audio_port, plan.fax_port, !plan.back};
+    const auto restored = checked_move(there.text, back);
+    if (!restored) {
+        fail("the way back is refused", text);
     }
-    if (std::get<sdp::Move>(restored).text != text) {
-        fail("not restored, but:\n" + std::get<sdp::Move>(restored).text + "from", text);
+    if (restored->text != text) {
+        fail("not restored, but:\n" + restored->text + "from", text);
     }
     ++restored_count;
 }
 
 void check_move(const std::string& text, const std::string& log, const sdp::Plan& plan) {
-    const auto result = sdp::move(text, plan);
-    if (const auto* const error = std::get_if<sdp::Error>(&result)) {
-        check(*error, text);
+    const auto moved = checked_move(text, plan);
+    if (!moved) {
         return;
     }
     ++moved_count;
-    const sdp::Move& move = std::get<sdp::Move>(result);
-    if (move.log_before != log) {
-        fail("the log before the move is\n" + move.log_before + "and not\n" + log, text);
+    if (moved->log_before != log) {
+        fail("the log before the move is\n" + moved->log_before + "and not\n" + log, text);
     }
-    if (!std::holds_alternative<sdp::Reading>(sdp::read(move.text, sdp::Role::OFFER))) {
-        fail("the moved description is refused:\n" + move.text + "from", text);
+    if (!checked_read(moved->text, sdp::Role::OFFER)) {
+        fail("the moved description is refused:\n" + moved->text + "from", text);
     }
     if (!plan.back) {
-        check_way_back(text, plan, move);
+        check_way_back(text, plan, *moved);
     }
 }
 
@@ -86,14 +104,13 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     for (const sdp::Role role : {sdp::Role::ANSWER, sdp::Role::OFFER}) {
-        const auto result = sdp::read(text, role);
-        if (const auto* const error = std::get_if<sdp::Error>(&result)) {
-            check(*error, text);
+        const auto reading = checked_read(text, role);
+        if (!reading) {
             return 0;
         }
         if (role == sdp::Role::OFFER) {
             ++read_count;
-            const std::string log = *std::get<sdp::Reading>(result).capability;
+            const std::string log = *reading->capability;
             for (const sdp::Plan& plan :
                  {sdp::Plan{"203.0.113.9", 40000, 7000}, sdp::Plan{"2001:DB8::0:9", 31999, 6667},
                   sdp::Plan{"10.0.0.1", 32000, 6666}, sdp::Plan{"0.0.0.0", 32002, 6668},

@@ -2,15 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "allocations.h"
-#include "netconf/sdp.h"
-#include "qova/attributes.h"
-#include "qova/capability.h"
-#include "qova/crypto.h"
-#include "qova/media.h"
-#include "socket/address.h"
+#include "building_blocks.h"
 
 namespace {
 
@@ -22,37 +18,25 @@ constexpr std::size_t blocks_of_audio = 4 + 2 * payloads + 3 * crypto_lines;
 constexpr std::size_t blocks_of_fax = 4 + 2;
 constexpr std::size_t blocks = 1 + blocks_of_audio + 1 + blocks_of_fax;
 
-template <typename Object, typename Base>
-Object& append(std::list<Base*>& list) {
-    list.push_back(nullptr);
-    auto* const object = new Object;
-    list.back() = object;
-    return *object;
-}
-
 class CountedAllocations : public testing::Test {
 protected:
     CountedAllocations() {
         fill(offer);
         fill(same);
-        IPAddress::Parse("192.0.2.100", address);
     }
 
     // Two lines, audio and fax.
     static void fill(QOVA_Capability& capability) {
-        auto& audio = append<QOVA_Media>(capability.filteredMedia);
-        audio.mediaType = QOVA_Media::MT_AUDIO;
+        auto& audio = append_media(capability, QOVA_Media::MT_AUDIO);
         for (std::size_t i = 0; i < payloads; ++i) {
-            append<QOVA_AudioAttribute>(audio.attributes).codec = CODEC_G729;
+            append_audio(audio, CODEC_G729);
         }
         for (std::size_t i = 0; i < crypto_lines; ++i) {
-            auto& crypto = append<QOVA_Crypto>(audio.cryptos);
+            auto& crypto = append_crypto(audio, 1);
             crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
             crypto.keys.push_back({});
         }
-        auto& fax = append<QOVA_Media>(capability.filteredMedia);
-        fax.mediaType = QOVA_Media::MT_FAX;
-        append<QOVA_FaxAttribute>(fax.attributes);
+        append_fax(append_media(capability, QOVA_Media::MT_FAX), FT_NIL);
     }
 
     template <typename Operation>
@@ -64,7 +48,6 @@ protected:
 
     QOVA_Capability offer;
     QOVA_Capability same;
-    IPAddress address;
 };
 
 TEST_F(CountedAllocations, ACopyMakesOneBlockForEachObjectAndListNode) {
@@ -73,14 +56,10 @@ TEST_F(CountedAllocations, ACopyMakesOneBlockForEachObjectAndListNode) {
     EXPECT_EQ(made_by([&] { delete offer.filteredMedia.front()->clone(); }), blocks_of_audio);
 }
 
-// Parameter objects are compared by identity: without them, two offers can be equal.
 TEST_F(CountedAllocations, EqualityMakesNone) {
     for (QOVA_Capability* capability : {&offer, &same}) {
         for (QOVA_Media* media : capability->filteredMedia) {
-            delete media->amrwbParam;
-            media->amrwbParam = nullptr;
-            delete media->opusParam;
-            media->opusParam = nullptr;
+            drop_parameters(*media);
         }
     }
     EXPECT_EQ(made_by([&] { EXPECT_TRUE(offer == same); }), 0U);
@@ -99,7 +78,7 @@ TEST_F(CountedAllocations, SearchesMakeNoneButTheNodesOfAList) {
 }
 
 TEST_F(CountedAllocations, MovesMakeTheNewAddressesOnly) {
-    const UDPAddr to(address, 0);
+    const UDPAddr to = endpoint("192.0.2.100");
     EXPECT_EQ(made_by([&] { offer.setPublicAddrPort(to, 40000, 7000); }), 2U);
     EXPECT_EQ(made_by([&] { offer.setLocalAddrPort(to, 40000, 7000); }), 2U);
     EXPECT_EQ(made_by([&] {

@@ -1,54 +1,49 @@
-// Fails every allocation of an operation, one after the other, and looks at what that leaves
-// behind.
+// Fails every allocation of an operation, one after the other, and looks at what that leaves.
 
 #ifndef QOVA_TESTS_FAILURE_SWEEP_H
 #define QOVA_TESTS_FAILURE_SWEEP_H
 
 #include <cstddef>
+#include <exception>
 #include <functional>
-#include <memory>
 #include <new>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "allocations.h"
 
 namespace failure_sweep {
 
-// One operation with the objects that it needs. The texts are empty when all is well.
-class Operation {
-public:
-    virtual ~Operation() = default;
+// One operation; its functions hold the objects that it needs. The texts are empty when all is
+// well.
+struct Operation {
+    using Text = std::function<std::string()>;
 
-    virtual void run() = 0;
+    std::function<void()> run;
 
     // All that the operation must leave as it is.
-    virtual std::string source() const { return ""; }
+    Text source = [] { return std::string(); };
 
-    // Uses what a failure left behind, as far as its state allows.
-    virtual std::string after_failure() { return ""; }
+    // Looks at what a failure left, and uses it as far as its state allows.
+    Text after_failure = [] { return std::string(); };
 
     // What must be done before the operation can be run again.
-    virtual void recover() {}
+    std::function<void()> recover = [] {};
 
     // Looks at what the operation achieved.
-    virtual std::string result() const { return ""; }
+    Text result = [] { return std::string(); };
 };
 
-using Make = std::function<std::unique_ptr<Operation>()>;
+using Make = std::function<Operation()>;
 
 struct Findings {
-    std::size_t points = 0;  // allocations that failed
+    std::size_t points = 0;          // allocations that failed
+    std::vector<std::size_t> sizes;  // of the blocks that the operation asked for, in its order
     std::vector<std::string> complaints;
 };
 
-// Whether the n-th allocation was reached, and what was wrong then.
-struct Point {
-    bool reached = false;
-    std::string complaint;
-};
-
-inline std::string run_failing(Operation& operation, bool again, std::size_t nth,
+inline std::string run_failing(const Operation& operation, bool again, std::size_t nth,
                                allocations::Failure::Extent extent, bool& reached) {
     const std::string source = operation.source();
     enum { DONE, FAILED, OTHER_EXCEPTION } outcome = DONE;
@@ -56,10 +51,9 @@ inline std::string run_failing(Operation& operation, bool again, std::size_t nth
         const allocations::Failure failure(nth, extent);
         try {
             operation.run();
-        } catch (const std::bad_alloc&) {
-            outcome = FAILED;
-        } catch (...) {
-            outcome = OTHER_EXCEPTION;
+        } catch (const std::exception& exception) {
+            // Exactly a bad_alloc: one of a class derived from it could tell what it was copying.
+            outcome = typeid(exception) == typeid(std::bad_alloc) ? FAILED : OTHER_EXCEPTION;
         }
         reached = allocations::Failure::consumed();
     }
@@ -89,35 +83,30 @@ inline std::string run_failing(Operation& operation, bool again, std::size_t nth
                                         : "the source is changed at the second attempt";
 }
 
-// The objects are made anew, and destroyed: at once, or after the operation was run again.
-inline Point try_point(const Make& make, bool again, std::size_t nth,
-                       allocations::Failure::Extent extent) {
-    Point point;
-    const std::size_t before = allocations::live();
-    point.complaint = run_failing(*make(), again, nth, extent, point.reached);
-    if (point.complaint.empty() && allocations::live() != before) {
-        point.complaint = "blocks leak";
-    }
-    return point;
-}
-
 // Fails the first allocation, the second and so on until the operation does not get that far; once
-// that one alone, once all from there on.
+// that one alone, once all from there on. Each time the objects are made anew, and destroyed: at
+// once, or after the operation was run again.
 inline Findings sweep(const Make& make) {
+    using allocations::Failure;
     Findings findings;
     bool reached = true;
     for (std::size_t nth = 1; reached; ++nth) {
-        for (const auto extent :
-             {allocations::Failure::ONCE, allocations::Failure::FROM_THERE_ON}) {
+        for (const auto extent : {Failure::ONCE, Failure::FROM_THERE_ON}) {
             for (const bool again : {false, true}) {
-                const Point point = try_point(make, again, nth, extent);
-                if (!point.complaint.empty()) {
-                    findings.complaints.push_back("allocation " + std::to_string(nth) + ": " +
-                                                  point.complaint);
+                const std::size_t before = allocations::live();
+                std::string complaint = run_failing(make(), again, nth, extent, reached);
+                if (complaint.empty() && allocations::live() != before) {
+                    complaint = "blocks leak";
                 }
-                reached = point.reached;
+                if (!complaint.empty()) {
+                    findings.complaints.push_back("allocation " + std::to_string(nth) + ": " +
+                                                  complaint);
+                }
             }
             findings.points += reached ? 1U : 0U;
+        }
+        if (reached) {
+            findings.sizes.push_back(Failure::size());
         }
     }
     return findings;

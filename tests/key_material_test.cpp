@@ -1,20 +1,16 @@
-// Key material stands in QOVA_CryptoKey::key and nowhere else: in no text, in no exception.
+// Key material stands in QOVA_CryptoKey::key and nowhere else, in no text. That no exception tells
+// it either is shown by the sweep of allocation failures: nothing but a plain bad_alloc is thrown.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
-#include <list>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "allocations.h"
-#include "qova/attributes.h"
-#include "qova/capability.h"
-#include "qova/crypto.h"
-#include "socket/address.h"
+#include "building_blocks.h"
 
 namespace {
 
@@ -89,47 +85,38 @@ std::string trace_in(const std::string& text) {
 enum Filling { ZEROS, KEY };
 
 QOVA_CryptoKey entry(Filling filling) {
-    QOVA_CryptoKey result = {};
-    result.lifetime = 1048576;
-    result.mkiSize = 4;
-    result.mki[3] = 7;
-    if (filling == KEY) {
-        const std::string bytes = key_bytes();
-        std::copy(bytes.begin(), bytes.end(), result.key);
+    QOVA_CryptoKey key = key_of(1048576, 7, first_key_byte);
+    if (filling == ZEROS) {
+        std::fill(std::begin(key.key), std::end(key.key), static_cast<unsigned char>(0));
     }
-    return result;
+    return key;
 }
+
+template <class Object>
+std::unique_ptr<Object> make(Filling filling);
 
 // A suite of each length of key, one of no known name, and entries with and without an MKI.
-std::list<QOVA_Crypto*> crypto_lines(Filling filling) {
-    std::list<QOVA_Crypto*> lines;
+template <>
+std::unique_ptr<QOVA_Media> make(Filling filling) {
+    auto media = std::make_unique<QOVA_Media>();
+    append_audio(*media, CODEC_G729);
     for (const auto suite : {CS_AES_CM_128_HMAC_SHA1_80, CS_AES_192_CM_HMAC_SHA1_32,
                              CS_AES_256_CM_HMAC_SHA1_80, static_cast<g_crypto_suite>(99)}) {
-        auto line = std::make_unique<QOVA_Crypto>();
-        line->tag = 1;
-        line->algo = suite;
-        line->keys = {entry(filling), entry(filling)};
-        line->keys.back().mkiSize = 0;
-        lines.push_back(line.release());
+        auto& line = append_crypto(*media, 1);
+        line.algo = suite;
+        line.keys = {entry(filling), entry(filling)};
+        line.keys.back().mkiSize = 0;
     }
-    return lines;
+    return media;
 }
 
-std::unique_ptr<QOVA_Media> media(Filling filling) {
-    auto result = std::make_unique<QOVA_Media>();
-    result->mediaType = QOVA_Media::MT_AUDIO;
-    result->attributes = {new QOVA_AudioAttribute, new QOVA_FaxAttribute, new QOVA_VideoAttribute,
-                          new QOVA_DataAttribute};
-    result->cryptos = crypto_lines(filling);
-    result->cryptoCount = 4;
-    return result;
-}
-
-std::unique_ptr<QOVA_Capability> capability(Filling filling) {
-    auto result = std::make_unique<QOVA_Capability>();
-    result->filteredMedia = {media(filling).release(), media(filling).release()};
-    result->passThrough = "m=application 9 UDP/BFCP *\r\n";
-    return result;
+template <>
+std::unique_ptr<QOVA_Capability> make(Filling filling) {
+    auto capability = std::make_unique<QOVA_Capability>();
+    for (int i = 0; i < 2; ++i) {
+        capability->filteredMedia.push_back(make<QOVA_Media>(filling).release());
+    }
+    return capability;
 }
 
 template <class Object>
@@ -139,37 +126,9 @@ void expect_no_trace_of_key(const Object& with_key, const Object& with_zeros) {
     EXPECT_EQ(text, static_cast<std::string>(with_zeros)) << "the text depends on the key";
 }
 
-// Lets every allocation of an operation fail in turn, and looks at what is thrown.
-template <class Operation>
-void expect_no_trace_in_exceptions(Operation operation) {
-    bool reached = true;
-    std::size_t exceptions = 0;
-    for (std::size_t nth = 1; reached; ++nth) {
-        std::exception_ptr thrown;
-        {
-            const allocations::Failure failure(nth);
-            try {
-                operation();
-            } catch (...) {
-                thrown = std::current_exception();
-            }
-            reached = allocations::Failure::consumed();
-        }
-        if (thrown) {
-            ++exceptions;
-            try {
-                std::rethrow_exception(thrown);
-            } catch (const std::exception& exception) {
-                EXPECT_EQ(trace_in(exception.what()), "");
-            }
-        }
-    }
-    EXPECT_GT(exceptions, 0U);
-}
-
 TEST(KeyMaterial, IsInNoTextOfACryptoLine) {
-    const auto with_key = media(KEY);
-    const auto with_zeros = media(ZEROS);
+    const auto with_key = make<QOVA_Media>(KEY);
+    const auto with_zeros = make<QOVA_Media>(ZEROS);
     auto zeros = with_zeros->cryptos.begin();
     for (const QOVA_Crypto* const line : with_key->cryptos) {
         expect_no_trace_of_key(*line, **zeros++);
@@ -177,41 +136,21 @@ TEST(KeyMaterial, IsInNoTextOfACryptoLine) {
 }
 
 TEST(KeyMaterial, IsInNoTextOfAMedia) {
-    expect_no_trace_of_key(*media(KEY), *media(ZEROS));
+    expect_no_trace_of_key(*make<QOVA_Media>(KEY), *make<QOVA_Media>(ZEROS));
 }
 
 TEST(KeyMaterial, IsInNoTextOfACapability) {
-    expect_no_trace_of_key(*capability(KEY), *capability(ZEROS));
+    expect_no_trace_of_key(*make<QOVA_Capability>(KEY), *make<QOVA_Capability>(ZEROS));
 }
 
 TEST(KeyMaterial, IsInNoTextOfACopy) {
-    const auto source = capability(KEY);
+    const auto source = make<QOVA_Capability>(KEY);
     const QOVA_Capability copy(*source);
     QOVA_Capability assigned;
     assigned = *source;
-    const auto without = capability(ZEROS);
+    const auto without = make<QOVA_Capability>(ZEROS);
     expect_no_trace_of_key(copy, *without);
     expect_no_trace_of_key(assigned, *without);
-}
-
-TEST(KeyMaterial, IsInNoExceptionOfARendering) {
-    const auto object = capability(KEY);
-    const QOVA_Media& line = *object->filteredMedia.front();
-    expect_no_trace_in_exceptions([&] { const std::string text(*line.cryptos.front()); });
-    expect_no_trace_in_exceptions([&] { const std::string text(line); });
-    expect_no_trace_in_exceptions([&] { const std::string text(*object); });
-}
-
-TEST(KeyMaterial, IsInNoExceptionOfACopy) {
-    const auto object = capability(KEY);
-    const QOVA_Media& line = *object->filteredMedia.front();
-    expect_no_trace_in_exceptions([&] { const QOVA_Crypto copy(*line.cryptos.front()); });
-    expect_no_trace_in_exceptions([&] { const QOVA_Media copy(line); });
-    expect_no_trace_in_exceptions([&] { const QOVA_Capability copy(*object); });
-    expect_no_trace_in_exceptions([&] {
-        QOVA_Capability target;
-        target = *object;
-    });
 }
 
 // The search itself: it finds a key wherever one is shown.

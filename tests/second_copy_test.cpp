@@ -7,15 +7,17 @@
 
 #include <iterator>
 #include <memory>
+#include <string>
 #include <typeinfo>
 
+#include "building_blocks.h"
 #include "equality.h"
 
 namespace {
 
 struct SecondCopy : testing::Test {
-    const std::unique_ptr<QOVA_Media> ours = make_media();
-    const std::unique_ptr<QOVA_Media> theirs = make_media_of_second_copy();
+    const std::unique_ptr<QOVA_Media> ours = full<QOVA_Media>();
+    const std::unique_ptr<QOVA_Media> theirs = full_media_of_second_copy();
 };
 
 TEST_F(SecondCopy, HasTypeInformationOfItsOwn) {
@@ -37,8 +39,8 @@ TEST_F(SecondCopy, HasEqualCryptoLines) {
 }
 
 TEST_F(SecondCopy, HasAttributesThatAreFound) {
-    EXPECT_EQ(theirs->find(CODEC_NIL), theirs->attributes.front());
-    EXPECT_EQ(theirs->find(FT_NIL), *std::next(theirs->attributes.begin()));
+    EXPECT_EQ(theirs->find(CODEC_G711_ULAW), theirs->attributes.front());
+    EXPECT_EQ(theirs->find(FT_T38_UDPTL), *std::next(theirs->attributes.begin()));
 }
 
 TEST_F(SecondCopy, HasTheSameText) {

@@ -1,5 +1,7 @@
 #include "second_copy.h"
 
-std::unique_ptr<QOVA_Media> make_media_of_second_copy() {
-    return make_media();
+#include "../building_blocks.h"
+
+std::unique_ptr<QOVA_Media> full_media_of_second_copy() {
+    return full<QOVA_Media>();
 }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -30,6 +31,18 @@ struct Change {
 template <typename Class>
 void PrintTo(const Change<Class>& change, std::ostream* out) {
     *out << change.name;
+}
+
+// A way to copy an object.
+template <typename Class>
+struct CopyPath {
+    const char* name;
+    std::unique_ptr<Class> (*copy)(const Class& source);
+};
+
+template <typename Class>
+void PrintTo(const CopyPath<Class>& path, std::ostream* out) {
+    *out << path.name;
 }
 
 // For INSTANTIATE_TEST_SUITE_P.

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <new>
 #include <ostream>
 #include <string>
 #include <type_traits>
@@ -15,8 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "allocations.h"
-#include "qova/media.h"
+#include "building_blocks.h"
 #include "rows.h"
 
 namespace {
@@ -26,12 +24,6 @@ static_assert(std::has_virtual_destructor_v<INetAddress>);
 static_assert(std::is_convertible_v<IPAddress*, INetAddress*>);
 
 using Owned = std::unique_ptr<INetAddress>;
-
-IPAddress parsed(const std::string& text) {
-    IPAddress address;
-    EXPECT_TRUE(IPAddress::Parse(text, address)) << text;
-    return address;
-}
 
 std::vector<unsigned char> bytes_of(const INetAddress& address) {
     return {address.Bytes(), address.Bytes() + address.Size()};
@@ -67,22 +59,6 @@ public:
     bool operator!=(const std::string& /*text*/) const override { return true; }
 };
 
-TEST(AddressClone, IsADistinctObjectOfTheSameClass) {
-    const IPAddress source = parsed("192.0.2.1");
-    const Owned clone(INetAddress::Clone(&source));
-    EXPECT_NE(clone.get(), &source);
-    const INetAddress& address = *clone;
-    EXPECT_EQ(typeid(address), typeid(IPAddress));
-    EXPECT_EQ(address.ToString(), "192.0.2.1");
-}
-
-TEST(AddressClone, KeepsAnIPv6Address) {
-    const IPAddress source = parsed("2001:db8::1");
-    const Owned clone(INetAddress::Clone(&source));
-    EXPECT_EQ(clone->Family(), AF_INET6);
-    EXPECT_EQ(clone->ToString(), "2001:db8::1");
-}
-
 TEST(AddressClone, KeepsAClassOfAnotherLibrary) {
     int destroyed = 0;
     const NamedAddress source("gateway", &destroyed);
@@ -96,20 +72,20 @@ TEST(AddressClone, KeepsAClassOfAnotherLibrary) {
     EXPECT_EQ(destroyed, 1) << "freed through its virtual destructor";
 }
 
-TEST(AddressClone, OutlivesItsSource) {
-    Owned source(new IPAddress(parsed("2001:db8::1")));
-    const Owned clone(INetAddress::Clone(source.get()));
-    source.reset();
-    EXPECT_EQ(clone->ToString(), "2001:db8::1");
+TEST(AddressClone, IsADistinctObjectOfTheSameClassThatOutlivesItsSource) {
+    for (const char* const text : {"192.0.2.1", "2001:db8::1"}) {
+        Owned source(new IPAddress(ip(text)));
+        const Owned clone(INetAddress::Clone(source.get()));
+        EXPECT_NE(clone, source);
+        source.reset();
+        const INetAddress& address = *clone;
+        EXPECT_EQ(typeid(address), typeid(IPAddress));
+        EXPECT_EQ(address.ToString(), text);
+    }
 }
 
 TEST(AddressClone, OfNullIsNull) {
     EXPECT_EQ(INetAddress::Clone(nullptr), nullptr);
-}
-
-TEST(AddressClone, ReportsThatMemoryRanOut) {
-    const allocations::Failure failure(1);
-    EXPECT_THROW(INetAddress::Clone(&IPAddress::IpAddressAny), std::bad_alloc);
 }
 
 TEST(AddressDifference, IsTheNegationOfIsEqual) {
@@ -119,18 +95,11 @@ TEST(AddressDifference, IsTheNegationOfIsEqual) {
         "gateway",   "192.0.2.1 ",       "::ffff:c000:0201",
     };
     for (const char* const own : {"192.0.2.1", "2001:db8::1", "::ffff:192.0.2.1", "0.0.0.0"}) {
-        const IPAddress address = parsed(own);
+        const IPAddress address = ip(own);
         for (const char* const text : texts) {
             EXPECT_EQ(address != text, !address.IsEqual(text)) << own << " and " << text;
         }
     }
-}
-
-TEST(AddressDifference, IsFalseForTheTextOfAnEqualAddressAndTrueForAnyOther) {
-    const IPAddress address = parsed("192.0.2.1");
-    EXPECT_FALSE(address != parsed("192.0.2.1").ToString());
-    EXPECT_TRUE(address != parsed("192.0.2.2").ToString());
-    EXPECT_TRUE(address != "gateway");
 }
 
 TEST(AddressDifference, AsksTheIsEqualOfTheConcreteClass) {
@@ -161,27 +130,15 @@ TEST(IpAddressAny, IsWhatADefaultAddressEquals) {
     EXPECT_FALSE(address != IPAddress::IpAddressAny.ToString());
 }
 
-TEST(IpAddressAny, SurvivesTheMediaThatHoldACloneOfIt) {
-    {
-        const QOVA_Media media;
-        EXPECT_NE(media.address, &IPAddress::IpAddressAny);
-        const INetAddress& address = *media.address;
-        EXPECT_EQ(typeid(address), typeid(IPAddress));
-        EXPECT_EQ(address.ToString(), "0.0.0.0");
-    }
-    EXPECT_EQ(IPAddress::IpAddressAny.ToString(), "0.0.0.0");
-    EXPECT_NE(IPAddress::IpAddressAny.IsAny(), 0);
-}
-
 TEST(IpAddressFamily, OfIPv4HasFourBytesInNetworkOrder) {
-    const IPAddress address = parsed("192.0.2.255");
+    const IPAddress address = ip("192.0.2.255");
     EXPECT_EQ(address.Family(), AF_INET);
     ASSERT_EQ(address.Size(), 4u);
     EXPECT_EQ(bytes_of(address), (std::vector<unsigned char>{192, 0, 2, 255}));
 }
 
 TEST(IpAddressFamily, OfIPv6HasSixteenBytesInNetworkOrder) {
-    const IPAddress address = parsed("2001:db8:102:304:506:708:90a:b0c");
+    const IPAddress address = ip("2001:db8:102:304:506:708:90a:b0c");
     EXPECT_EQ(address.Family(), AF_INET6);
     ASSERT_EQ(address.Size(), 16u);
     EXPECT_EQ(bytes_of(address), (std::vector<unsigned char>{0x20, 0x01, 0x0d, 0xb8, 1, 2, 3, 4, 5,
@@ -244,19 +201,19 @@ constexpr Spelling spellings[] = {
 class AddressSpelling : public testing::TestWithParam<Spelling> {};
 
 TEST_P(AddressSpelling, IsReadAndPrintedInItsOneForm) {
-    EXPECT_EQ(parsed(GetParam().value).ToString(), GetParam().text);
+    EXPECT_EQ(ip(GetParam().value).ToString(), GetParam().text);
 }
 
 TEST_P(AddressSpelling, IsEqualToItsPrintedForm) {
-    EXPECT_TRUE(parsed(GetParam().value).IsEqual(GetParam().text));
-    EXPECT_TRUE(parsed(GetParam().text).IsEqual(GetParam().value));
+    EXPECT_TRUE(ip(GetParam().value).IsEqual(GetParam().text));
+    EXPECT_TRUE(ip(GetParam().text).IsEqual(GetParam().value));
 }
 
 TEST_P(AddressSpelling, SurvivesACloneAndItsText) {
-    const IPAddress address = parsed(GetParam().value);
+    const IPAddress address = ip(GetParam().value);
     const Owned clone(INetAddress::Clone(&address));
     EXPECT_EQ(bytes_of(*clone), bytes_of(address));
-    EXPECT_EQ(bytes_of(parsed(clone->ToString())), bytes_of(address));
+    EXPECT_EQ(bytes_of(ip(clone->ToString())), bytes_of(address));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AddressSpelling, testing::ValuesIn(spellings), name_of_row);
@@ -265,11 +222,9 @@ INSTANTIATE_TEST_SUITE_P(All, AddressSpelling, testing::ValuesIn(spellings), nam
 struct Junk {
     const char* name;
     std::string text;
-};
 
-void PrintTo(const Junk& junk, std::ostream* out) {
-    *out << junk.name;
-}
+    friend void PrintTo(const Junk& junk, std::ostream* out) { *out << junk.name; }
+};
 
 const Junk junk[] = {
     {"nothing", ""},
@@ -348,7 +303,7 @@ const Junk junk[] = {
 class JunkText : public testing::TestWithParam<Junk> {};
 
 TEST_P(JunkText, IsNotReadAndTheTargetIsUnchanged) {
-    IPAddress address = parsed("2001:db8::1");
+    IPAddress address = ip("2001:db8::1");
     EXPECT_FALSE(IPAddress::Parse(GetParam().text, address));
     EXPECT_EQ(address.ToString(), "2001:db8::1");
 }
@@ -356,7 +311,7 @@ TEST_P(JunkText, IsNotReadAndTheTargetIsUnchanged) {
 TEST_P(JunkText, EqualsNoAddress) {
     for (const char* const text :
          {"0.0.0.0", "192.0.2.1", "::", "::1", "::ffff:192.0.2.1", "1:2:3:4:5:6:7:8"}) {
-        const IPAddress address = parsed(text);
+        const IPAddress address = ip(text);
         EXPECT_FALSE(address.IsEqual(GetParam().text)) << text;
         EXPECT_TRUE(address != GetParam().text) << text;
     }
@@ -365,7 +320,7 @@ TEST_P(JunkText, EqualsNoAddress) {
 INSTANTIATE_TEST_SUITE_P(All, JunkText, testing::ValuesIn(junk), name_of_row);
 
 TEST(AddressParse, ReplacesAnAddressOfTheOtherFamily) {
-    IPAddress address = parsed("2001:db8:1:2:3:4:5:6");
+    IPAddress address = ip("2001:db8:1:2:3:4:5:6");
     EXPECT_TRUE(IPAddress::Parse("192.0.2.1", address));
     EXPECT_EQ(address.ToString(), "192.0.2.1");
     EXPECT_EQ(address.Family(), AF_INET);
@@ -374,21 +329,8 @@ TEST(AddressParse, ReplacesAnAddressOfTheOtherFamily) {
     EXPECT_EQ(address.Family(), AF_INET6);
 }
 
-TEST(AddressParse, AllocatesNothing) {
-    const std::string text = "2001:db8:1111:2222:3333:4444:192.168.100.200";
-    const std::string wrong = text + "000";
-    IPAddress address;
-    const std::size_t before = allocations::made();
-    const bool read = IPAddress::Parse(text, address);
-    const bool wrong_read = IPAddress::Parse(wrong, address);
-    const std::size_t after = allocations::made();
-    EXPECT_TRUE(read);
-    EXPECT_FALSE(wrong_read);
-    EXPECT_EQ(after, before);
-}
-
 TEST(AddressIsEqual, KnowsEverySpellingOfAnIPv6Address) {
-    const IPAddress address = parsed("2001:db8::a:1");
+    const IPAddress address = ip("2001:db8::a:1");
     for (const char* const text :
          {"2001:db8::a:1", "2001:DB8::A:1", "2001:0db8::000a:0001", "2001:db8:0:0:0:0:a:1",
           "2001:0db8:0000:0000:0000:0000:000A:0001", "2001:db8:0::a:1", "2001:db8::0:a:1",
@@ -399,7 +341,7 @@ TEST(AddressIsEqual, KnowsEverySpellingOfAnIPv6Address) {
 }
 
 TEST(AddressIsEqual, KnowsEverySpellingOfAMappedAddress) {
-    const IPAddress address = parsed("::ffff:192.0.2.1");
+    const IPAddress address = ip("::ffff:192.0.2.1");
     for (const char* const text : {"::ffff:192.0.2.1", "::FFFF:192.0.2.1", "::ffff:c000:201",
                                    "0:0:0:0:0:ffff:c000:201", "0::FfFf:192.0.2.1"}) {
         EXPECT_TRUE(address.IsEqual(text)) << text;
@@ -407,24 +349,24 @@ TEST(AddressIsEqual, KnowsEverySpellingOfAMappedAddress) {
 }
 
 TEST(AddressIsEqual, TellsAMappedAddressFromTheAddressInIt) {
-    EXPECT_FALSE(parsed("::ffff:192.0.2.1").IsEqual("192.0.2.1"));
-    EXPECT_FALSE(parsed("192.0.2.1").IsEqual("::ffff:192.0.2.1"));
-    EXPECT_FALSE(parsed("0.0.0.0").IsEqual("::ffff:0.0.0.0"));
+    EXPECT_FALSE(ip("::ffff:192.0.2.1").IsEqual("192.0.2.1"));
+    EXPECT_FALSE(ip("192.0.2.1").IsEqual("::ffff:192.0.2.1"));
+    EXPECT_FALSE(ip("0.0.0.0").IsEqual("::ffff:0.0.0.0"));
 }
 
 TEST(AddressIsEqual, TellsTheFamiliesApart) {
-    EXPECT_FALSE(parsed("0.0.0.0").IsEqual("::"));
-    EXPECT_FALSE(parsed("::").IsEqual("0.0.0.0"));
-    EXPECT_FALSE(parsed("192.0.2.1").IsEqual("c000:201::"));
-    EXPECT_FALSE(parsed("c000:201::").IsEqual("192.0.2.1"));
+    EXPECT_FALSE(ip("0.0.0.0").IsEqual("::"));
+    EXPECT_FALSE(ip("::").IsEqual("0.0.0.0"));
+    EXPECT_FALSE(ip("192.0.2.1").IsEqual("c000:201::"));
+    EXPECT_FALSE(ip("c000:201::").IsEqual("192.0.2.1"));
 }
 
 TEST(AddressIsEqual, ComparesEveryByte) {
-    const IPAddress v4 = parsed("1.2.3.4");
+    const IPAddress v4 = ip("1.2.3.4");
     for (const char* const text : {"9.2.3.4", "1.9.3.4", "1.2.9.4", "1.2.3.9"}) {
         EXPECT_FALSE(v4.IsEqual(text)) << text;
     }
-    const IPAddress v6 = parsed("101:101:101:101:101:101:101:101");
+    const IPAddress v6 = ip("101:101:101:101:101:101:101:101");
     for (std::size_t place = 0; place < 8; ++place) {
         for (const char* const group : {"901", "109"}) {
             std::string text = "101:101:101:101:101:101:101:101";
@@ -503,34 +445,27 @@ constexpr Kind kinds[] = {
 class AddressKind : public testing::TestWithParam<Kind> {};
 
 TEST_P(AddressKind, IsKnown) {
-    EXPECT_EQ(kinds_of(parsed(GetParam().value)), GetParam().text);
+    EXPECT_EQ(kinds_of(ip(GetParam().value)), GetParam().text);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AddressKind, testing::ValuesIn(kinds), name_of_row);
 
-TEST(UdpAddress, OwnsACopyOfItsAddress) {
-    auto source = std::make_unique<IPAddress>(parsed("192.0.2.1"));
-    const UDPAddr endpoint(*source, 5060);
-    EXPECT_NE(endpoint.ipAddress, source.get());
-    source.reset();
-    EXPECT_EQ(endpoint.ipAddress->ToString(), "192.0.2.1");
-    EXPECT_EQ(endpoint.port, 5060);
-}
-
-TEST(UdpAddress, KeepsTheClassOfItsAddressAndFreesIt) {
+TEST(UdpAddress, OwnsACopyOfItsAddressOfTheSameClass) {
     int destroyed = 0;
     const NamedAddress source("gateway", &destroyed);
     {
-        const UDPAddr endpoint(source, 65535);
-        const INetAddress& address = *endpoint.ipAddress;
+        const UDPAddr holder(source, 65535);
+        const INetAddress& address = *holder.ipAddress;
+        EXPECT_NE(&address, &source);
         EXPECT_EQ(typeid(address), typeid(NamedAddress));
-        EXPECT_EQ(endpoint.port, 65535);
+        EXPECT_EQ(address.ToString(), "gateway");
+        EXPECT_EQ(holder.port, 65535);
     }
     EXPECT_EQ(destroyed, 1);
 }
 
 TEST(UdpAddress, CopiesHaveAnAddressOfTheirOwn) {
-    auto source = std::make_unique<UDPAddr>(parsed("2001:db8::1"), static_cast<unsigned short>(1));
+    auto source = std::make_unique<UDPAddr>(ip("2001:db8::1"), static_cast<unsigned short>(1));
     const UDPAddr copy(*source);
     EXPECT_NE(copy.ipAddress, source->ipAddress);
     source.reset();
@@ -543,7 +478,7 @@ TEST(UdpAddress, AssignmentTakesOverACopyAndFreesTheOldAddress) {
     UDPAddr target(NamedAddress("gateway", &destroyed), 1);
     destroyed = 0;
     {
-        const UDPAddr source(parsed("192.0.2.1"), 5060);
+        const UDPAddr source = endpoint("192.0.2.1");
         UDPAddr& result = target = source;
         EXPECT_EQ(&result, &target);
         EXPECT_NE(target.ipAddress, source.ipAddress);
@@ -554,29 +489,18 @@ TEST(UdpAddress, AssignmentTakesOverACopyAndFreesTheOldAddress) {
 }
 
 TEST(UdpAddress, AssignmentToItselfChangesNothing) {
-    UDPAddr endpoint(parsed("192.0.2.1"), 5060);
-    const UDPAddr& itself = endpoint;
-    endpoint = itself;
-    EXPECT_EQ(endpoint.ipAddress->ToString(), "192.0.2.1");
-    EXPECT_EQ(endpoint.port, 5060);
+    UDPAddr address = endpoint("192.0.2.1");
+    const UDPAddr& itself = address;
+    address = itself;
+    EXPECT_EQ(address.ipAddress->ToString(), "192.0.2.1");
+    EXPECT_EQ(address.port, 5060);
 }
 
 TEST(UdpAddress, CanBeDestroyedWhenItsAddressWasTakenAway) {
-    UDPAddr endpoint(parsed("192.0.2.1"), 5060);
-    const std::unique_ptr<INetAddress> taken(endpoint.ipAddress);
-    endpoint.ipAddress = nullptr;
+    UDPAddr address = endpoint("192.0.2.1");
+    const std::unique_ptr<INetAddress> taken(address.ipAddress);
+    address.ipAddress = nullptr;
     EXPECT_EQ(taken->ToString(), "192.0.2.1");
-}
-
-TEST(UdpAddress, FailedAssignmentChangesNothing) {
-    UDPAddr target(parsed("192.0.2.1"), 1);
-    const UDPAddr source(parsed("192.0.2.2"), 2);
-    {
-        const allocations::Failure failure(1);
-        EXPECT_THROW(target = source, std::bad_alloc);
-    }
-    EXPECT_EQ(target.ipAddress->ToString(), "192.0.2.1");
-    EXPECT_EQ(target.port, 1);
 }
 
 }  // namespace

@@ -9,62 +9,56 @@ namespace {
 
 constexpr QOVA_Codec tone_events = static_cast<QOVA_Codec>(101);
 
-QOVA_AudioAttribute* make_audio(QOVA_Codec codec) {
-    auto* const audio = new QOVA_AudioAttribute;
-    audio->status = QOVA_Media::MS_ACCEPTED;
-    audio->attributeType = QOVA_Media::AT_AUDIO;
-    audio->codec = codec;
-    audio->framing = 20;
-    audio->echo = true;
-    audio->mxFraming = 40;
-    audio->mf = tone_events;
-    return audio;
+template <class Attribute>
+Attribute& append(QOVA_Media& media, QOVA_Media::e_AttributeType type) {
+    auto* const attribute = new Attribute;
+    media.attributes.push_back(attribute);
+    attribute->status = QOVA_Media::MS_ACCEPTED;
+    attribute->attributeType = type;
+    return *attribute;
 }
 
-QOVA_Crypto* make_crypto(unsigned int tag, g_crypto_suite suite) {
+void append_crypto(QOVA_Media& media, g_crypto_suite suite) {
     auto* const crypto = new QOVA_Crypto;
-    crypto->tag = tag;
+    media.cryptos.push_back(crypto);
+    crypto->tag = ++media.cryptoCount;
     crypto->algo = suite;
-    QOVA_CryptoKey key = {};
-    key.lifetime = 1048576;
-    key.mkiSize = 4;
-    key.mki[3] = static_cast<unsigned char>(tag);
-    crypto->keys.push_back(key);
-    return crypto;
+    crypto->keys.push_back({});
+    crypto->keys.back().lifetime = 1048576;
+    crypto->keys.back().mkiSize = 4;
+    crypto->keys.back().mki[3] = static_cast<unsigned char>(crypto->tag);
 }
 
 void fill_audio(QOVA_Media& media) {
     media.mediaType = QOVA_Media::MT_AUDIO;
     for (const QOVA_Codec codec : {CODEC_G711_ALAW, CODEC_G711_ULAW, CODEC_G723, CODEC_G729,
                                    CODEC_G722, CODEC_G722_2, CODEC_OPUS, tone_events}) {
-        media.attributes.push_back(make_audio(codec));
+        auto& audio = append<QOVA_AudioAttribute>(media, QOVA_Media::AT_AUDIO);
+        audio.codec = codec;
+        audio.framing = 20;
+        audio.echo = true;
+        audio.mxFraming = 40;
+        audio.mf = tone_events;
     }
-    media.cryptoCount = 2;
-    media.cryptos.push_back(make_crypto(1, CS_AES_CM_128_HMAC_SHA1_80));
-    media.cryptos.push_back(make_crypto(2, CS_AES_CM_128_HMAC_SHA1_32));
+    append_crypto(media, CS_AES_CM_128_HMAC_SHA1_80);
+    append_crypto(media, CS_AES_CM_128_HMAC_SHA1_32);
 }
 
 void fill_fax(QOVA_Media& media) {
     media.mediaType = QOVA_Media::MT_FAX;
-    auto* const fax = new QOVA_FaxAttribute;
-    fax->status = QOVA_Media::MS_ACCEPTED;
-    fax->attributeType = QOVA_Media::AT_FAX;
-    fax->red = 3;
-    fax->mxRate = 14400;
-    fax->rateMgt = RM_TRFTCF;
-    fax->transport = FT_T38_UDPTL;
-    fax->mxBuffer = 2000;
-    fax->mxDgram = 512;
-    fax->errCorr = 1;
-    media.attributes.push_back(fax);
+    auto& fax = append<QOVA_FaxAttribute>(media, QOVA_Media::AT_FAX);
+    fax.red = 3;
+    fax.mxRate = 14400;
+    fax.rateMgt = RM_TRFTCF;
+    fax.transport = FT_T38_UDPTL;
+    fax.mxBuffer = 2000;
+    fax.mxDgram = 512;
+    fax.errCorr = 1;
 }
 
 void fill_video(QOVA_Media& media) {
     media.mediaType = QOVA_Media::MT_VIDEO;
-    auto* const video = new QOVA_VideoAttribute;
-    video->status = QOVA_Media::MS_ACCEPTED;
-    video->attributeType = QOVA_Media::AT_VIDEO;
-    media.attributes.push_back(video);
+    append<QOVA_VideoAttribute>(media, QOVA_Media::AT_VIDEO);
 }
 
 QOVA_Media* make_media(int line, bool with_parameters) {
@@ -82,51 +76,60 @@ QOVA_Media* make_media(int line, bool with_parameters) {
     media->address = INetAddress::Clone(&address);
     const int base =
         line % 3 == 1 ? QOVA_Capability::FAX_PORT_BASE : QOVA_Capability::AUDIO_PORT_BASE;
-    for (unsigned short* port :
-         {&media->sndPort, &media->sndPort2, &media->rcvPort, &media->rcvPort2}) {
-        *port = static_cast<unsigned short>(base + 2 * line +
-                                            (port == &media->sndPort2 || port == &media->rcvPort2));
-    }
-    switch (line % 3) {
-        case 0:
-            fill_audio(*media);
-            break;
-        case 1:
-            fill_fax(*media);
-            break;
-        default:
-            fill_video(*media);
-            break;
-    }
+    media->sndPort = media->rcvPort = static_cast<unsigned short>(base + 2 * line);
+    media->sndPort2 = media->rcvPort2 = static_cast<unsigned short>(base + 2 * line + 1);
+    constexpr void (*fill[])(QOVA_Media&) = {fill_audio, fill_fax, fill_video};
+    fill[line % 3](*media);
     return media;
 }
 
-QOVA_Media* last_of(QOVA_Media::e_MediaType type, const QOVA_Capability& capability) {
-    QOVA_Media* found = nullptr;
-    for (QOVA_Media* media : capability.filteredMedia) {
-        found = media->mediaType == type ? media : found;
+// What follows the port of a line's description; `place` is its address and second port.
+std::string audio_sdp(const QOVA_Media& media, const std::string& place) {
+    const bool last = media.find(offer::last_codec) != nullptr;
+    const std::string event = last ? "127" : "101";
+    std::string text = " RTP/SAVP 8 0 4 18 9 104 105 " + event + place +
+                       "a=rtpmap:8 PCMA/8000\r\na=rtpmap:0 PCMU/8000\r\na=rtpmap:4 G723/8000\r\n"
+                       "a=rtpmap:18 G729/8000\r\na=rtpmap:9 G722/8000\r\n"
+                       "a=rtpmap:104 AMR-WB/16000\r\na=rtpmap:105 opus/48000/2\r\na=rtpmap:" +
+                       event + (last ? " red" : " telephone-event") +
+                       "/8000\r\na=ptime:20\r\na=maxptime:40\r\n";
+    for (const QOVA_Crypto* crypto : media.cryptos) {
+        const std::string tag = std::to_string(crypto->tag);
+        text += "a=crypto:" + tag + " " + Sdp::CryptoParser::enumToAlgo(crypto->algo) +
+                " inline:AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA|2^20|" + tag + ":4\r\n";
     }
-    return found;
+    return text;
 }
 
-QOVA_Capability make_capability(int lines, bool with_parameters) {
-    QOVA_Capability capability;
-    capability.offer = true;
+std::string fax_sdp(const QOVA_Media& media, const std::string& place) {
+    const bool last = media.find(offer::last_transport) != nullptr;
+    return (last ? " tcp t38" : " udptl t38") + place +
+           "a=T38FaxVersion:0\r\na=T38MaxBitRate:14400\r\na=T38FaxRateManagement:transferredTCF\r\n"
+           "a=T38FaxMaxBuffer:2000\r\na=T38FaxMaxDatagram:512\r\n"
+           "a=T38FaxUdpEC:t38UDPRedundancy\r\n";
+}
+
+}  // namespace
+
+std::shared_ptr<QOVA_Capability> offer::make(int lines, bool with_parameters) {
+    auto capability = std::make_shared<QOVA_Capability>();
+    capability->offer = true;
     for (int line = 0; line < lines; ++line) {
-        capability.filteredMedia.push_back(make_media(line, with_parameters));
+        capability->filteredMedia.push_back(make_media(line, with_parameters));
     }
-    if (const QOVA_Media* audio = last_of(QOVA_Media::MT_AUDIO, capability)) {
+    if (const QOVA_Media* audio = last_of(QOVA_Media::MT_AUDIO, *capability)) {
         auto& payload = static_cast<QOVA_AudioAttribute&>(*audio->attributes.back());
         payload.codec = offer::last_codec;
         payload.mf = offer::last_codec;
     }
-    if (const QOVA_Media* fax = last_of(QOVA_Media::MT_FAX, capability)) {
+    if (const QOVA_Media* fax = last_of(QOVA_Media::MT_FAX, *capability)) {
         static_cast<QOVA_FaxAttribute&>(*fax->attributes.back()).transport = offer::last_transport;
     }
     return capability;
 }
 
-void change_last_member(QOVA_Media& last) {
+void offer::change_last_member(QOVA_Capability& capability) {
+    QOVA_Media& last = *capability.filteredMedia.back();
     if (last.cryptos.empty()) {
         ++last.rcvPort2;
     } else {
@@ -134,112 +137,27 @@ void change_last_member(QOVA_Media& last) {
     }
 }
 
-std::string number(int value) {
-    return std::to_string(value);
-}
-
-struct Payload {
-    int type;
-    const char* encoding;
-};
-
-Payload payload_of(QOVA_Codec codec) {
-    switch (codec) {
-        case CODEC_G711_ALAW:
-            return {8, "PCMA/8000"};
-        case CODEC_G711_ULAW:
-            return {0, "PCMU/8000"};
-        case CODEC_G723:
-            return {4, "G723/8000"};
-        case CODEC_G729:
-            return {18, "G729/8000"};
-        case CODEC_G722:
-            return {9, "G722/8000"};
-        case CODEC_G722_2:
-            return {104, "AMR-WB/16000"};
-        case CODEC_OPUS:
-            return {105, "opus/48000/2"};
-        default:
-            return {codec, codec == tone_events ? "telephone-event/8000" : "red/8000"};
+QOVA_Media* offer::last_of(QOVA_Media::e_MediaType type, const QOVA_Capability& capability) {
+    QOVA_Media* found = nullptr;
+    for (QOVA_Media* media : capability.filteredMedia) {
+        found = media->mediaType == type ? media : found;
     }
-}
-
-std::string audio_sdp(const QOVA_Media& media) {
-    std::string formats;
-    std::string maps;
-    for (const QOVA_MediaAttribute* attribute : media.attributes) {
-        const Payload payload =
-            payload_of(static_cast<const QOVA_AudioAttribute*>(attribute)->codec);
-        formats += " " + number(payload.type);
-        maps += "a=rtpmap:" + number(payload.type) + " " + payload.encoding + "\r\n";
-    }
-    std::string text = " RTP/SAVP" + formats + "\r\n" + maps + "a=ptime:20\r\na=maxptime:40\r\n";
-    for (const QOVA_Crypto* crypto : media.cryptos) {
-        text += "a=crypto:" + std::to_string(crypto->tag) + " " +
-                Sdp::CryptoParser::enumToAlgo(crypto->algo) +
-                " inline:AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA|2^20|" +
-                number(crypto->keys.front().mki[3]) + ":4\r\n";
-    }
-    return text;
-}
-
-std::string fax_sdp(const QOVA_Media& media) {
-    const auto& fax = static_cast<const QOVA_FaxAttribute&>(*media.attributes.front());
-    return std::string(" ") + (fax.transport == FT_T38_TCP ? "tcp" : "udptl") +
-           " t38\r\na=T38FaxVersion:0\r\na=T38MaxBitRate:" + std::to_string(fax.mxRate) +
-           "\r\na=T38FaxRateManagement:transferredTCF\r\na=T38FaxMaxBuffer:" +
-           std::to_string(fax.mxBuffer) + "\r\na=T38FaxMaxDatagram:" + std::to_string(fax.mxDgram) +
-           "\r\na=T38FaxUdpEC:t38UDPRedundancy\r\n";
-}
-
-}  // namespace
-
-QOVA_Capability offer::make(int lines) {
-    return make_capability(lines, true);
-}
-
-offer::Pair::Pair(int lines, bool equal)
-    : left(make_capability(lines, false)), right(make_capability(lines, false)) {
-    if (!equal) {
-        change_last_member(*right.filteredMedia.back());
-    }
-}
-
-QOVA_Media* offer::last_audio(const QOVA_Capability& capability) {
-    return last_of(QOVA_Media::MT_AUDIO, capability);
-}
-
-std::size_t offer::owned_by(const QOVA_Capability& capability) {
-    std::size_t count = 0;
-    for (const QOVA_Media* media : capability.filteredMedia) {
-        // Itself, its address and both parameter objects; the nodes are those of lists.
-        count += 1 + 4 + 2 * media->attributes.size() + 2 * media->cryptos.size() +
-                 media->amrwbParam->modeSet.size();
-        for (const QOVA_Crypto* crypto : media->cryptos) {
-            count += crypto->keys.size();
-        }
-    }
-    return count;
+    return found;
 }
 
 std::string offer::sdp(const QOVA_Capability& capability) {
     std::string text = "v=0\r\no=- 1 1 IN IP4 10.1.0.1\r\ns=-\r\nt=0 0\r\n";
     for (const QOVA_Media* media : capability.filteredMedia) {
-        const std::string port = number(media->rcvPort);
-        std::string rest;
+        const std::string port = std::to_string(media->rcvPort);
+        const std::string place = "\r\nc=IN IP4 " + media->address->ToString() +
+                                  "\r\na=rtcp:" + std::to_string(media->rcvPort2) + "\r\n";
         if (media->mediaType == QOVA_Media::MT_AUDIO) {
-            text += "m=audio " + port;
-            rest = audio_sdp(*media);
+            text += "m=audio " + port + audio_sdp(*media, place);
         } else if (media->mediaType == QOVA_Media::MT_FAX) {
-            text += "m=image " + port;
-            rest = fax_sdp(*media);
+            text += "m=image " + port + fax_sdp(*media, place);
         } else {
-            text += "m=video " + port;
-            rest = " RTP/AVP 98\r\na=rtpmap:98 H264/90000\r\n";
+            text += "m=video " + port + " RTP/AVP 98" + place + "a=rtpmap:98 H264/90000\r\n";
         }
-        const std::size_t end_of_line = rest.find('\n') + 1;
-        text += rest.substr(0, end_of_line) + "c=IN IP4 " + media->address->ToString() + "\r\n" +
-                rest.substr(end_of_line) + "a=rtcp:" + number(media->rcvPort2) + "\r\n";
     }
     return text;
 }

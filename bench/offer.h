@@ -3,7 +3,7 @@
 #ifndef QOVA_BENCH_OFFER_H
 #define QOVA_BENCH_OFFER_H
 
-#include <cstddef>
+#include <memory>
 #include <string>
 
 #include "qova/capability.h"
@@ -21,25 +21,16 @@ constexpr QOVA_FaxTransport last_transport = FT_T38_TCP;
 constexpr QOVA_Codec no_codec = CODEC_G729_NIL;
 constexpr QOVA_FaxTransport no_transport = FT_NIL;
 
-// As many lines as asked for, by turns: audio with eight payloads and two crypto lines, T.38 fax,
-// and video.
-QOVA_Capability make(int lines);
+// As many lines as asked for, in turn: audio with eight payloads and two crypto lines, T.38 fax,
+// and video. Offers without parameter objects, which are compared by identity, can be equal.
+std::shared_ptr<QOVA_Capability> make(int lines, bool with_parameters = true);
 
-// Two offers to compare. They have no parameter objects, which are compared by identity, and so can
-// be equal; or else they differ in what a comparison looks at last: the suite of the last crypto
-// line, or a port of a last line that has no crypto lines.
-struct Pair {
-    Pair(int lines, bool equal);
+// Changes what a comparison looks at last: the suite of the last crypto line, or a port of a last
+// line that has no crypto lines.
+void change_last_member(QOVA_Capability& capability);
 
-    QOVA_Capability left;
-    QOVA_Capability right;
-};
-
-// The last audio line, or null.
-QOVA_Media* last_audio(const QOVA_Capability& capability);
-
-// The objects and list nodes that a capability owns at any depth.
-std::size_t owned_by(const QOVA_Capability& capability);
+// The last line of a kind, or null.
+QOVA_Media* last_of(QOVA_Media::e_MediaType type, const QOVA_Capability& capability);
 
 // The same offer as a session description (RFC 4566).
 std::string sdp(const QOVA_Capability& capability);

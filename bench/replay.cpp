@@ -1,63 +1,94 @@
+// A program that links to this has its global allocation functions from here, as it would have them
+// from libstdc++: in a shared library, and for one test more the same to everybody.
+
 #include "replay.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 #include <unordered_map>
+#include <utility>
 
-#include "allocations.h"
-#include "expect.h"
+namespace {
+
+// A block that was allocated, or one that was freed, whose size is 0.
+using Event = std::pair<void*, std::size_t>;
+
+std::vector<Event>* record = nullptr;
+
+void note(void* block, std::size_t size) {
+    std::vector<Event>* const events = std::exchange(record, nullptr);  // which allocates too
+    events->emplace_back(block, size);
+    record = events;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    void* const block = std::malloc(size);
+    if (__builtin_expect(block == nullptr, false)) {
+        throw std::bad_alloc();
+    }
+    if (__builtin_expect(record != nullptr, false)) {
+        note(block, size);
+    }
+    return block;
+}
+
+// The sized one stays libstdc++'s, which hands on to this.
+void operator delete(void* block) noexcept {
+    if (__builtin_expect(record != nullptr && block != nullptr, false)) {
+        note(block, 0);
+    }
+    std::free(block);
+}
 
 Replay::Replay(const std::function<void()>& operation) {
     std::unordered_map<void*, std::uint32_t> numbers;
-    std::uint32_t count = 0;
-    for (const allocations::Event& event : allocations::events_of(operation)) {
-        if (event.size != 0) {
-            numbers[event.block] = count++;
-        } else {
-            numbers.erase(event.block);
+    std::vector<std::uint32_t> before;
+    for (int run = 0; run < 3; ++run) {
+        std::vector<Event> recorded;
+        record = &recorded;
+        operation();
+        record = nullptr;
+        before = std::exchange(events, {});
+        std::uint32_t count = 0;
+        for (const auto& [block, size] : recorded) {
+            if (size != 0) {
+                numbers[block] = count++;
+                events.push_back(2 * static_cast<std::uint32_t>(size));
+            } else {
+                events.push_back(2 * numbers.at(block) + 1);
+            }
         }
     }
-    blocks.resize(count);
-    stays.resize(count);
-    for (const auto& block : numbers) {
-        stays[block.second] = true;
+    if (events != before) {
+        throw std::logic_error("an operation that allocates something else each time");
     }
-
-    std::vector<bool> live = stays;
-    std::uint32_t next = 0;
-    for (const allocations::Event& event : allocations::events_of(operation)) {
-        if (event.size != 0) {
-            expect(next < count && !live[next], "allocations that are the same each time");
-            live[next] = true;
-            numbers[event.block] = next++;
-            events.push_back(2 * event.size & UINT32_MAX);
-            sources.push_back(std::memset(operator new(event.size), 1, event.size));
-        } else if (event.block != nullptr) {
-            const auto block = numbers.find(event.block);
-            expect(block != numbers.end() && live[block->second], "frees of what was allocated");
-            live[block->second] = false;
-            events.push_back(2 * block->second + 1);
-        }
-    }
-    expect(next == count && live == stays, "an operation that leaves as much as it finds");
-    // After all sources, for the two to lie in memory as an object and its copy do.
-    next = 0;
     for (const std::uint32_t event : events) {
         if (event % 2 == 0) {
-            if (stays[next]) {
-                blocks[next] = operator new(event / 2);
-            }
-            ++next;
+            sources.push_back(std::memset(operator new(event / 2), 1, event / 2));
         }
     }
+    blocks.resize(sources.size());
+    (*this)();
 }
 
 Replay::~Replay() {
-    for (std::size_t number = 0; number < blocks.size(); ++number) {
-        operator delete(sources[number]);
-        if (stays[number]) {
-            operator delete(blocks[number]);
+    std::vector<void*> live(blocks.size());
+    std::size_t next = 0;
+    for (const std::uint32_t event : events) {
+        if (event % 2 == 0) {
+            live[next] = blocks[next];
+            ++next;
+        } else {
+            live[event / 2] = nullptr;
         }
+    }
+    for (std::size_t number = 0; number < blocks.size(); ++number) {
+        operator delete(live[number]);
+        operator delete(sources[number]);
     }
 }
 

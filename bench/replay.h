@@ -11,8 +11,8 @@
 // and a block of the same size to copy into each new one.
 class Replay {
 public:
-    // Runs the operation twice and keeps what it does the second time. What it leaves allocated it
-    // must free when it is run again, as an assignment does.
+    // Records what the operation does when it is repeated. What it leaves allocated it must free
+    // when it is run again, as an assignment does.
     explicit Replay(const std::function<void()>& operation);
     ~Replay();
     Replay(const Replay&) = delete;
@@ -24,7 +24,6 @@ private:
     std::vector<std::uint32_t> events;  // an allocation: 2 * size; a free: 2 * number + 1
     std::vector<void*> blocks;          // by the number of their allocation, as are these:
     std::vector<void*> sources;         // what is copied into a block
-    std::vector<bool> stays;            // whether a run leaves the block allocated
 };
 
 #endif

@@ -26,7 +26,7 @@ endif()
 
 configure_package_config_file(cmake/qovaConfig.cmake.in qovaConfig.cmake
     INSTALL_DESTINATION ${package_dir}
-    NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+    NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/qovaConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 configure_file(cmake/qova.pc.in qova.pc @ONLY)
@@ -48,14 +48,19 @@ if(TARGET qova-sdp)
 endif()
 
 # All pages keep their place to each other, so that the links between them hold.
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md TYPE DOC OPTIONAL)
+install(FILES README.md CHANGELOG.md TYPE DOC OPTIONAL)
 install(FILES examples/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples OPTIONAL)
+install(DIRECTORY examples/samples DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 install(DIRECTORY docs TYPE DOC
     FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|h|gdb|txt)$")
 
-# One archive for each target: `tar -C SYSROOT -xf` it.
+# One archive for each target, `tar -C SYSROOT -xf` it; and with `cpack -G DEB` a Debian package.
 set(CPACK_GENERATOR TGZ)
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/packages)
 set(CPACK_PACKAGE_VENDOR qova)
+set(CPACK_PACKAGE_CONTACT "libqova's maintainers <root@localhost>")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
 set(CPACK_PACKAGE_FILE_NAME qova-${PROJECT_VERSION}-${CMAKE_LIBRARY_ARCHITECTURE})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)

@@ -20,9 +20,10 @@ using Fax = QOVA_FaxAttribute;
 using Media = QOVA_Media;
 
 // ---- the floor of a search: a bare walk, which reads the same members and asks no class ----
+// It makes the same two calls as the library: of the offer's search, and of each line's.
 
 template <class Attribute, class Value>
-Attribute* walk(const Media& line, Value Attribute::*member, Value value) {
+[[gnu::noinline]] Attribute* walk(const Media& line, Value Attribute::*member, Value value) {
     for (QOVA_MediaAttribute* payload : line.attributes) {
         auto* const attribute = static_cast<Attribute*>(payload);
         if (attribute->*member == value) {
@@ -33,8 +34,9 @@ Attribute* walk(const Media& line, Value Attribute::*member, Value value) {
 }
 
 template <class Attribute, class Value>
-std::pair<Media*, Attribute*> walk(const Capability& offer, Media::e_MediaType type,
-                                   Value Attribute::*member, Value value) {
+[[gnu::noinline]] std::pair<Media*, Attribute*> walk(const Capability& offer,
+                                                     Media::e_MediaType type,
+                                                     Value Attribute::*member, Value value) {
     for (Media* line : offer.filteredMedia) {
         if (line->mediaType == type) {
             if (Attribute* const found = walk(*line, member, value)) {

@@ -22,8 +22,10 @@ Class* as(Object* pointer) {
         return nullptr;
     }
     const Object& object = *pointer;  // typeid(*pointer) would test for null again
-    return &typeid(object) == &typeid(Class) ? static_cast<Class*>(pointer)
-                                             : dynamic_cast<Class*>(pointer);
+    if (__builtin_expect(&typeid(object) == &typeid(Class), true)) {
+        return static_cast<Class*>(pointer);
+    }
+    return dynamic_cast<Class*>(pointer);
 }
 
 }  // namespace qova

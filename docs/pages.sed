@@ -1,0 +1,7 @@
+# What Doxygen reads in the place of a page. Pictures lie beside the pages of the reference.
+s|\(\.\./pictures/|(|
+# A list of pages, as in index.md, becomes a tree of them.
+s,^- \[([^]]*)\]\(((guides/)?[a-z-]*)\.md\),- \\subpage md_docs_\2 "\1",
+:label
+s|^(- \\subpage [a-z_]*)[/-]|\1_|
+t label

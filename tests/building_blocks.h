@@ -109,8 +109,7 @@ public:
     const char* text = "the text of a user's own attribute\n";
 };
 
-// ---- Filled objects: every member differs from its default and, where it can, from the others
-// ----
+// ---- Filled objects: each member differs from its default, and from the others where it can ----
 
 inline void fill_base(QOVA_MediaAttribute& attribute) {
     attribute.status = QOVA_Media::MS_MODIFIED;

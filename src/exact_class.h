@@ -22,10 +22,9 @@ Class* as(Object* pointer) {
         return nullptr;
     }
     const Object& object = *pointer;  // typeid(*pointer) would test for null again
-    if (__builtin_expect(&typeid(object) == &typeid(Class), true)) {
-        return static_cast<Class*>(pointer);
-    }
-    return dynamic_cast<Class*>(pointer);
+    return __builtin_expect(&typeid(object) == &typeid(Class), true)
+               ? static_cast<Class*>(pointer)
+               : dynamic_cast<Class*>(pointer);
 }
 
 }  // namespace qova

@@ -147,6 +147,13 @@ Options read_options(const std::string& command, const std::vector<std::string>&
     return options;
 }
 
+void print_warnings(const std::string& file, const std::vector<sdp::Warning>& warnings) {
+    for (const sdp::Warning& warning : warnings) {
+        std::fprintf(stderr, "%s:%zu: warning: %s\n", display_name(file).c_str(), warning.line,
+                     warning.message.c_str());
+    }
+}
+
 std::string with_newline(std::string text) {
     if (text.empty() || text.back() != '\n') {
         text += '\n';
@@ -157,7 +164,9 @@ std::string with_newline(std::string text) {
 void run_log(const Options& options) {
     const sdp::Role role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
     const std::string text = read_file(*options.file);
-    write(with_newline(*sdp::read(sdp::Description(text), role).capability));
+    const sdp::Reading reading = sdp::read(sdp::Description(text), role, sdp::Strictness::LENIENT);
+    print_warnings(*options.file, reading.warnings);
+    write(with_newline(*reading.capability));
 }
 
 void run_move(const Options& options) {
@@ -170,6 +179,7 @@ void run_move(const Options& options) {
     }
     const sdp::Plan plan = {*options.address, *options.audio_port, *options.fax_port, options.back};
     const sdp::Move move = sdp::move(read_file(*options.file), plan);
+    print_warnings(*options.file, move.warnings);
     write(move.text);
     const std::string log =
         "before: " + with_newline(move.log_before) + "after: " + with_newline(move.log_after);

@@ -277,7 +277,7 @@ Move move_once(const std::string& text, const Plan& plan) {
         throw Refusal(0, "the new address is not one that media can have");
     }
     const Description description(text);
-    const Reading reading = read(description, Role::OFFER);
+    Reading reading = read(description, Role::OFFER, Strictness::LENIENT);
     QOVA_Capability& capability = *reading.capability;
     for (std::size_t i = 0; i < reading.media.size(); ++i) {
         if (moves_ports(reading.media[i])) {
@@ -291,6 +291,7 @@ Move move_once(const std::string& text, const Plan& plan) {
 
     Move move;
     move.old_address = moving.old_address;
+    move.warnings = std::move(reading.warnings);
     move.log_before = std::string(capability);
     const UDPAddr endpoint(address, 0);
     if (plan.back) {

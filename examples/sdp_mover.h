@@ -30,6 +30,7 @@
 #define QOVA_EXAMPLES_SDP_MOVER_H
 
 #include <string>
+#include <vector>
 
 #include "sdp_text.h"
 
@@ -47,6 +48,7 @@ struct Move {
     std::string log_before;  // the capability's text
     std::string log_after;
     std::string old_address;  // for the way back, as it was written; empty if there were several
+    std::vector<Warning> warnings;  // of reading the description
 };
 
 // Whether media can be sent to an address: an IPv4 or IPv6 address that is no multicast group.

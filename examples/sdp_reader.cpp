@@ -277,7 +277,7 @@ bool is_on_hold(const QOVA_Capability& capability) {
 
 }  // namespace
 
-Reading read(const Description& description, Role role) {
+Reading read(const Description& description, Role role, Strictness strictness) {
     const Parsed parsed = parse(description);
     const sdp_session_t& parsed_session = *sdp_session(parsed.get());
     const Section& session = description.sections.front();
@@ -308,6 +308,12 @@ Reading read(const Description& description, Role role) {
         }
     }
     capability.hold = is_on_hold(capability);
+    std::stable_sort(
+        reading.warnings.begin(), reading.warnings.end(),
+        [](const Warning& left, const Warning& right) { return left.line < right.line; });
+    if (strictness == Strictness::STRICT && !reading.warnings.empty()) {
+        throw Refusal(reading.warnings.front().line, reading.warnings.front().message);
+    }
     return reading;
 }
 

@@ -18,14 +18,18 @@ namespace sdp {
 
 enum class Role { OFFER, ANSWER };
 
+// A value that the model cannot take: it gets a warning, or the description is refused for it.
+enum class Strictness { LENIENT, STRICT };
+
 // A capability, and which line of the description each of its media comes from.
 struct Reading {
     std::unique_ptr<QOVA_Capability> capability;
     std::vector<QOVA_Media*> media;  // one for each m= line; null: passed through
+    std::vector<Warning> warnings;   // in the order of the lines; empty when STRICT
 };
 
 // Linear in the length of the text. Throws Refusal.
-Reading read(const Description& description, Role role);
+Reading read(const Description& description, Role role, Strictness strictness);
 
 }  // namespace sdp
 

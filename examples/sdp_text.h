@@ -27,6 +27,12 @@ public:
     std::size_t line;  // counted from 1; 0: the description as a whole
 };
 
+// What is odd about a line, and what was made of it. The message quotes nothing either.
+struct Warning {
+    std::size_t line;
+    std::string message;
+};
+
 // Case counts for none of SDP's names here; the host's locale plays no part.
 bool same(std::string_view left, std::string_view right);
 

@@ -70,7 +70,7 @@ int main() {
     // [read]
     sdp::Reading reading;
     try {
-        reading = sdp::read(sdp::Description(text), sdp::Role::OFFER);
+        reading = sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::STRICT);
     } catch (const sdp::Refusal& refusal) {
         std::cerr << "line " << refusal.line << ": " << refusal.what() << '\n';
         return 1;

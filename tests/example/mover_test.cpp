@@ -430,8 +430,10 @@ TEST(SdpMoveOfAnyDescription, LeavesATextThatReadsAsTheMovedModel) {
         if (!move) {
             continue;
         }
-        const sdp::Reading before = sdp::read(sdp::Description(text), sdp::Role::OFFER);
-        const sdp::Reading after = sdp::read(sdp::Description(move->text), sdp::Role::OFFER);
+        const sdp::Reading before =
+            sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
+        const sdp::Reading after =
+            sdp::read(sdp::Description(move->text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
         // The model moves unspecified addresses too; the text keeps them.
         before.capability->setPublicAddrPort(UDPAddr(address, 0), to_public.audio_port,
                                              to_public.fax_port);

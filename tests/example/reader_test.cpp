@@ -21,11 +21,12 @@ const std::string key_30 = "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwd";
 const std::string key_46 = "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8gISIjJCUmJygpKissLQ==";
 
 sdp::Reading reading_of(const std::string& text) {
-    return sdp::read(sdp::Description(text), Role::OFFER);
+    return sdp::read(sdp::Description(text), Role::OFFER, sdp::Strictness::LENIENT);
 }
 
 std::string refusal_of(const std::string& text) {
-    return refusal([&] { sdp::read(sdp::Description(text), Role::OFFER); });
+    return refusal(
+        [&] { sdp::read(sdp::Description(text), Role::OFFER, sdp::Strictness::LENIENT); });
 }
 
 // What is wrong with an audio line that has an attribute, which is line 7.
@@ -70,8 +71,10 @@ std::vector<int> codecs(const QOVA_Media& media,
 
 TEST(SdpReader, TakesTheRoleFromItsCaller) {
     const std::string text = session({});
-    EXPECT_TRUE(sdp::read(sdp::Description(text), Role::OFFER).capability->offer);
-    EXPECT_FALSE(sdp::read(sdp::Description(text), Role::ANSWER).capability->offer);
+    EXPECT_TRUE(
+        sdp::read(sdp::Description(text), Role::OFFER, sdp::Strictness::LENIENT).capability->offer);
+    EXPECT_FALSE(sdp::read(sdp::Description(text), Role::ANSWER, sdp::Strictness::LENIENT)
+                     .capability->offer);
 }
 
 TEST(SdpReader, KeepsTheOrderOfTheLinesAndSaysWhichMediaIsWhose) {

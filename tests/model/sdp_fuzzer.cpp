@@ -56,7 +56,8 @@ auto unless_refused(const std::string& text, Call call) -> std::optional<decltyp
 }
 
 std::optional<sdp::Reading> checked_read(const std::string& text, sdp::Role role) {
-    return unless_refused(text, [&] { return sdp::read(sdp::Description(text), role); });
+    return unless_refused(
+        text, [&] { return sdp::read(sdp::Description(text), role, sdp::Strictness::LENIENT); });
 }
 
 std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& plan) {

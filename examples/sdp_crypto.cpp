@@ -27,6 +27,19 @@ constexpr KeySize key_sizes[] = {
     {CS_AEAD_AES_256_GCM, 44, 44},
 };
 
+// Names are matched in any letter case, and offers often transpose those of the longest keys.
+g_crypto_suite suite_of(std::string_view name) {
+    constexpr std::string_view transposed = "AES_CM_256_";
+    std::string suite(name);
+    for (char& c : suite) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    if (std::string_view(suite).substr(0, transposed.size()) == transposed) {
+        suite.replace(0, transposed.size(), "AES_256_CM_");
+    }
+    return Sdp::CryptoParser::algoToEnum(suite);
+}
+
 // Base64 (RFC 4648), with or without its padding. The number of bytes; nothing when the text is
 // none, or too long. The decoder itself passes over what it does not know.
 std::optional<std::size_t> decode_key(std::string_view text, QOVA_CryptoKey& key) {
@@ -109,19 +122,22 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
     return key;
 }
 
-// How many bytes of a line may be shown: those before key material, where there is any.
-std::size_t size_before_keys(std::string_view content, const Line& line) {
-    if (line.type == 'k') {
-        return 2;
-    }
-    for (const std::string_view secret : {"crypto", "key-mgmt", "ice-pwd"}) {
-        if (same(line.name, secret)) {
-            return split(content, ":", 2).front().size() + 1;
-        }
-    }
+// How many bytes of a line may be shown: those before key material, where there is any. What
+// carries keys may be wrapped in another attribute (RFC 3407, RFC 5939).
+std::size_t size_before_keys(std::string_view content) {
     for (std::size_t at = 0; at < content.size(); ++at) {
-        if (same(content.substr(at, method.size()), method)) {
-            return at + method.size();
+        const std::string_view rest = content.substr(at);
+        const bool begins_word =
+            at == 0 || std::string_view(" \t:;").find(content[at - 1]) != std::string_view::npos;
+        if (begins_word && same(rest.substr(0, 2), "k=")) {
+            return at + 2;
+        }
+        for (const std::string_view name : {"crypto", "key-mgmt", "ice-pwd", "3GE2AE", "inline:"}) {
+            if (same(rest.substr(0, name.size()), name)) {
+                const std::size_t end = at + name.size();
+                const std::size_t next = content.find_first_not_of(blanks, end);
+                return next != std::string_view::npos && content[next] == ':' ? next + 1 : end;
+            }
         }
     }
     return content.size();
@@ -138,7 +154,7 @@ std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
     auto crypto = std::make_unique<QOVA_Crypto>();
     crypto->tag =
         static_cast<unsigned>(needed_number(line.number, "a=crypto: tag", fields[0], 999999999));
-    crypto->algo = Sdp::CryptoParser::algoToEnum(std::string(fields[1]));
+    crypto->algo = suite_of(fields[1]);
     if (crypto->algo != CS_NIL) {
         for (const std::string_view key : split(fields[2], ";")) {
             crypto->keys.push_back(read_key(line, key, crypto->algo));
@@ -151,7 +167,7 @@ std::string without_keys(const Description& description, const Section& section)
     std::string text;
     for (const Line& line : section) {
         const std::string_view content = description.content(line);
-        const std::string_view shown = content.substr(0, size_before_keys(content, line));
+        const std::string_view shown = content.substr(0, size_before_keys(content));
         text.append(shown).append(shown.size() == content.size() ? "" : "(withheld)");
         text += description.ending(line);
     }

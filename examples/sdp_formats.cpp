@@ -34,37 +34,49 @@ int word(const Parameter& parameter, std::initializer_list<std::string_view> wor
     throw Refusal(parameter.line, message);
 }
 
+Fmtp fmtp_of(const Line& line) {
+    const std::vector<std::string_view> fields = split(line.value, blanks, 2);
+    Fmtp fmtp = {needed_payload_type(line.number, "a=fmtp", fields[0]), {}};
+    if (fields.size() != 2) {
+        throw Refusal(line.number, "a=fmtp: the parameters are missing");
+    }
+    for (const std::string_view parameter : split(fields[1], ";")) {
+        std::vector<std::string_view> parts = split(parameter, "=", 2);
+        parts.resize(2);
+        fmtp.parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1])});
+    }
+    return fmtp;
+}
+
 }  // namespace
 
-std::vector<Fmtp> fmtps_of(const Section& section) {
+std::vector<Fmtp> fmtps_of(const Section& section, std::vector<Warning>& warnings) {
     std::vector<Fmtp> found;
     for (const Line& line : section) {
-        if (!same(line.name, "fmtp")) {
-            continue;
-        }
-        const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-        const auto payload = number(fields[0], 127);
-        if (!payload || fields.size() != 2) {
-            throw Refusal(line.number, "a=fmtp needs a payload type from 0 to 127 and parameters");
-        }
-        Fmtp& fmtp = found.emplace_back();
-        fmtp.payload = static_cast<unsigned>(*payload);
-        for (const std::string_view parameter : split(fields[1], ";")) {
-            std::vector<std::string_view> parts = split(parameter, "=", 2);
-            parts.resize(2);
-            fmtp.parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1])});
+        if (same(line.name, "fmtp")) {
+            tolerate(warnings, [&] { found.push_back(fmtp_of(line)); });
         }
     }
     return found;
 }
 
+void check_separator(const Parameter& parameter) {
+    const std::size_t blank = parameter.value.find_first_of(blanks);
+    if (blank != std::string_view::npos &&
+        parameter.value.find('=', blank) != std::string_view::npos) {
+        throw Refusal(parameter.line,
+                      "a=fmtp: blanks separate two parameters, where a semicolon belongs");
+    }
+}
+
 void read_amrwb(const Parameter& parameter, Sdp::Sdp_Amrwb_Param& amrwb) {
     if (same(parameter.name, "mode-set")) {
-        amrwb.modeSet.clear();
+        std::list<int> modes;
         for (const std::string_view mode : split(parameter.value, ",")) {
-            amrwb.modeSet.push_back(
+            modes.push_back(
                 static_cast<int>(needed_number(parameter.line, "mode-set", trimmed(mode), 8)));
         }
+        amrwb.modeSet = modes;
     }
     take(parameter, "octet-align", amrwb.octetAlign, 1);
     take(parameter, "mode-change-period", amrwb.modeChangePeriod, 2);

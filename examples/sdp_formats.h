@@ -28,7 +28,10 @@ struct Fmtp {
     unsigned payload;
     std::vector<Parameter> parameters;
 };
-std::vector<Fmtp> fmtps_of(const Section& section);
+std::vector<Fmtp> fmtps_of(const Section& section, std::vector<Warning>& warnings);
+
+// Throws Refusal where blanks, and no semicolon, separate a parameter from the next.
+void check_separator(const Parameter& parameter);
 
 // Each goes to the member of its name; those with other names play no part. A value that the member
 // cannot take throws Refusal.

@@ -1,5 +1,7 @@
 #include "sdp_mover.h"
 
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <set>
 #include <utility>
@@ -79,11 +81,12 @@ std::vector<AddressField> addresses_of(const Section& section, const Line* sessi
     if (first_connection(section) == nullptr && session_connection != nullptr) {
         fields.push_back(connection_address(*session_connection));
     }
+    const Line* const rtcp = rtcp_of(section);
     for (const Line& line : section) {
         if (line.type == 'c') {
             fields.push_back(connection_address(line));
-        } else if (same(line.name, "rtcp")) {
-            if (const auto field = rtcp_line(line).address) {
+        } else if (&line == rtcp) {
+            if (const auto field = rtcp_address(line)) {
                 fields.push_back(*field);
             }
         }
@@ -156,8 +159,11 @@ public:
            const MovingAddresses& moving)
         : description(whole), plan(how), address(to) {
         for (const AddressField& field : moving.fields) {
-            if (field.suffix || field.address.IsMulticast()) {
+            if (field.address.IsMulticast()) {
                 throw Refusal(field.line, "a multicast address cannot move");
+            }
+            if (field.suffix) {
+                throw Refusal(field.line, "an address with a number after it cannot move");
             }
             if (address.IsAny() != 0) {
                 throw Refusal(0, "the new address is unspecified, which would hold the call");
@@ -175,10 +181,8 @@ public:
     // The ports of a line, as the model has them now.
     void edit_ports(const Section& section, const QOVA_Media& media) {
         edit_port(media_line(section.front()).port_digits, media.rcvPort);
-        for (const Line& line : section) {
-            if (same(line.name, "rtcp")) {
-                edit_port(rtcp_line(line).port_digits, media.rcvPort2);
-            }
+        if (const Line* const rtcp = rtcp_of(section)) {
+            edit_port(rtcp_line(*rtcp).port_digits, media.rcvPort2);
         }
     }
 
@@ -221,7 +225,7 @@ private:
 
     void edit_address(const AddressField& field) {
         if (field.address.Family() != address.Family()) {
-            replace(field.label, same(field.label, "IP4") ? "IP6" : "IP4");
+            replace(field.label.substr(2), address.Family() == AF_INET ? "4" : "6");
         }
         replace(field.text, plan.address);
     }

@@ -17,9 +17,13 @@ namespace sdp {
 struct FreeParser {
     void operator()(sdp_parser_t* parser) const { sdp_parser_free(parser); }
 };
-using Parsed = std::unique_ptr<sdp_parser_t, FreeParser>;
+struct Parsed {
+    std::unique_ptr<sdp_parser_t, FreeParser> parser;  // has a sdp_session()
+    std::vector<std::vector<Warning>> warnings;        // of each section: the lines left out
+};
 
-// The result has a sdp_session(), with a media for each m= line. Throws Refusal.
+// The session has a media for each m= line. Lines that the parser refuses and the model does not
+// need are left out. Throws Refusal.
 Parsed parse(const Description& description);
 
 // One of the parser's texts, which are null where there is none.

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 
 namespace sdp {
 
 namespace {
 
 constexpr unsigned long long greatest_port = 65535;
+constexpr unsigned greatest_payload_type = 127;
 constexpr std::size_t most_formats = 128;  // RTP has no room for more payloads
 
 char lower(char c) {
@@ -70,6 +72,20 @@ void check_order(const std::vector<Section>& sections) {
     }
 }
 
+// Labels of letters, digits, hyphens and underscores; a last one of digits would be part of an IPv4
+// address.
+bool is_host_name(std::string_view text) {
+    const std::vector<std::string_view> labels = split(text, ".");
+    return !number(labels.back(), ULLONG_MAX) &&
+           std::all_of(labels.begin(), labels.end(), [](std::string_view label) {
+               return !label.empty() && label.front() != '-' &&
+                      std::all_of(label.begin(), label.end(), [](char c) {
+                          return (lower(c) >= 'a' && lower(c) <= 'z') || (c >= '0' && c <= '9') ||
+                                 c == '-' || c == '_';
+                      });
+           });
+}
+
 AddressField address_field(std::size_t line, const std::string_view* fields) {
     AddressField field;
     field.line = line;
@@ -82,7 +98,10 @@ AddressField address_field(std::size_t line, const std::string_view* fields) {
         throw Refusal(line, "the address is neither IN IP4 nor IN IP6");
     }
     if (!IPAddress::Parse(std::string(field.text), field.address)) {
-        throw Refusal(line, "the address is none (host names are not looked up)");
+        if (is_host_name(field.text)) {
+            throw HostName(line);
+        }
+        throw Refusal(line, "the address is neither an IP address nor a host name");
     }
     if ((field.address.Family() == AF_INET6) != is_v6) {
         throw Refusal(line, "the address is of another family than its label says");
@@ -141,6 +160,15 @@ unsigned long long needed_number(std::size_t line, const std::string& what, std:
                       what + ": the value is no number from 0 to " + std::to_string(greatest));
     }
     return *value;
+}
+
+unsigned needed_payload_type(std::size_t line, const std::string& what, std::string_view digits) {
+    const auto value = number(digits, ULLONG_MAX);
+    if (!value || *value > greatest_payload_type) {
+        throw Refusal(line, what + (value ? ": the payload type is above 127"
+                                          : ": the payload type is no number"));
+    }
+    return static_cast<unsigned>(*value);
 }
 
 Description::Description(const std::string& whole) : text(whole), sections(1) {
@@ -246,6 +274,11 @@ MediaLine media_line(const Line& line) {
     media.more_ports =
         static_cast<unsigned long>(media.is_rtp && *count > 1 ? 2 * *count : *count) - 1;
     media.formats.assign(fields.begin() + 3, fields.end());
+    if (media.is_rtp && std::any_of(media.formats.begin(), media.formats.end(), [](auto format) {
+            return number(format, ULLONG_MAX).value_or(0) > greatest_payload_type;
+        })) {
+        throw Refusal(line.number, "a payload type is above 127");
+    }
     if (media.formats.size() > most_formats) {
         throw Refusal(line.number, "the media has more than 128 formats");
     }
@@ -270,8 +303,8 @@ AddressField origin_address(const Line& line) {
 
 RtcpLine rtcp_line(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() != 1 && fields.size() != 4) {
-        throw Refusal(line.number, "a=rtcp needs a port, or a port and an address");
+    if (fields.empty()) {
+        throw Refusal(line.number, "a=rtcp needs a port");
     }
     RtcpLine rtcp;
     rtcp.port_digits = fields[0];
@@ -280,10 +313,27 @@ RtcpLine rtcp_line(const Line& line) {
         throw Refusal(line.number, "the RTCP port is no number from 1 to 65535");
     }
     rtcp.port = static_cast<unsigned short>(*port);
-    if (fields.size() == 4) {
-        rtcp.address = address_field(line.number, &fields[1]);
-    }
     return rtcp;
+}
+
+std::optional<AddressField> rtcp_address(const Line& line) {
+    const std::vector<std::string_view> fields = tokens(line.value);
+    if (fields.size() == 1) {
+        return std::nullopt;
+    }
+    if (fields.size() != 4) {
+        throw Refusal(line.number, "a=rtcp needs a port, or a port and an address");
+    }
+    return address_field(line.number, &fields[1]);
+}
+
+const Line* rtcp_of(const Section& section) {
+    const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
+        const std::vector<std::string_view> fields = tokens(line.value);
+        return same(line.name, "rtcp") && !fields.empty() &&
+               number(fields[0], greatest_port).value_or(0) != 0;
+    });
+    return found == section.end() ? nullptr : &*found;
 }
 
 }  // namespace sdp

@@ -27,11 +27,30 @@ public:
     std::size_t line;  // counted from 1; 0: the description as a whole
 };
 
-// What is odd about a line, and what was made of it. The message quotes nothing either.
+// A refusal of an address because it is a host name.
+class HostName : public Refusal {
+public:
+    explicit HostName(std::size_t in_line) : Refusal(in_line, "host names are not looked up") {}
+};
+
+// A line whose value the model does not take, and why. The message quotes nothing either.
 struct Warning {
     std::size_t line;
     std::string message;
 };
+
+// Where a value is refused, its member keeps its default, and a warning says why.
+// Returns whether the value was taken.
+template <class Reason = Refusal, class Call>
+bool tolerate(std::vector<Warning>& warnings, Call call) {
+    try {
+        call();
+        return true;
+    } catch (const Reason& reason) {
+        warnings.push_back({reason.line, reason.what()});
+        return false;
+    }
+}
 
 // Case counts for none of SDP's names here; the host's locale plays no part.
 bool same(std::string_view left, std::string_view right);
@@ -53,6 +72,9 @@ std::optional<unsigned long long> number(std::string_view digits, unsigned long 
 // The same where a line has to have one. Throws Refusal, which says what is no number.
 unsigned long long needed_number(std::size_t line, const std::string& what, std::string_view digits,
                                  unsigned long long greatest);
+
+// The payload type of an attribute. Throws Refusal, which says of what it is none.
+unsigned needed_payload_type(std::size_t line, const std::string& what, std::string_view digits);
 
 // One line. Blank lines are passed over, but counted.
 struct Line {
@@ -104,7 +126,8 @@ MediaLine media_line(const Line& line);
 // Whether a transport such as UDP/TLS/UDPTL ends in a given one.
 bool ends_in(std::string_view transport, std::string_view last);
 
-// <nettype> <addrtype> <address>[/<suffix>], as in c=, o= and a=rtcp
+// <nettype> <addrtype> <address>[/<suffix>], as in c=, o= and a=rtcp. What reads one throws
+// HostName for a host name, Refusal where there is no address.
 struct AddressField {
     std::size_t line = 0;
     std::string_view label;  // IP4 or IP6
@@ -119,9 +142,12 @@ AddressField origin_address(const Line& line);
 struct RtcpLine {
     std::string_view port_digits;
     unsigned short port = 0;
-    std::optional<AddressField> address;
 };
 RtcpLine rtcp_line(const Line& line);
+std::optional<AddressField> rtcp_address(const Line& line);
+
+// The a=rtcp line of a section that counts: the first with a port; or null.
+const Line* rtcp_of(const Section& section);
 
 }  // namespace sdp
 

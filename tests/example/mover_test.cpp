@@ -90,6 +90,20 @@ TEST(SdpMove, ShowsTheCapabilityBeforeAndAfter) {
     EXPECT_NE(move.log_after.find("Rejected @10.0.0.1/snd=0~0/rcv=0~0"), std::string::npos);
 }
 
+TEST(SdpMove, HandsOnTheWarningsAndMovesTheRest) {
+    const std::string text = session(
+        {"m=audio 32010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:32011", "a=rtcp:32013", "a=ptime:x"});
+    const sdp::Move move = sdp::move(text, to_public);
+    ASSERT_EQ(move.warnings.size(), 3U);
+    EXPECT_EQ(move.warnings[0].line, 7U);
+    EXPECT_EQ(move.warnings[1].line, 9U);
+    EXPECT_EQ(move.warnings[2].line, 10U);
+    EXPECT_EQ(moved_media({"m=audio 32010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:32011", "a=rtcp:32013",
+                           "a=ptime:x"}),
+              lines({"m=audio 40010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:40011", "a=rtcp:32013",
+                     "a=ptime:x"}));
+}
+
 TEST(SdpMove, LabelsTheAddressByItsFamily) {
     const std::string v4 = session({"m=audio 32010 RTP/AVP 0", "a=rtcp:32011 IN IP4 10.0.0.1"});
     const Plan to_v6 = {"2001:db8::5", 32000, 6666};
@@ -98,6 +112,16 @@ TEST(SdpMove, LabelsTheAddressByItsFamily) {
                          "t=0 0", "m=audio 32010 RTP/AVP 0", "a=rtcp:32011 IN IP6 2001:db8::5"}));
     EXPECT_EQ(moved(v6, {"10.0.0.1", 32000, 6666, true}), v4);
     EXPECT_EQ(there_and_back(v6, {"198.51.100.1", 32000, 6666}), v6);
+}
+
+TEST(SdpMove, KeepsTheLetterCaseOfTheFamily) {
+    const std::string text = lines({"v=0", "o=- 1 1 In Ip4 10.0.0.1", "c=IN ip4 10.0.0.1",
+                                    "m=audio 32010 RTP/AVP 0", "a=rtcp:32011 in iP4 10.0.0.1"});
+    const Plan to_v6 = {"2001:db8::5", 32000, 6666};
+    EXPECT_EQ(moved(text, to_v6),
+              lines({"v=0", "o=- 1 1 In Ip6 2001:db8::5", "c=IN ip6 2001:db8::5",
+                     "m=audio 32010 RTP/AVP 0", "a=rtcp:32011 in iP6 2001:db8::5"}));
+    EXPECT_EQ(there_and_back(text, to_v6), text);
 }
 
 TEST(SdpMove, WritesTheAddressAsItWasGiven) {
@@ -283,8 +307,8 @@ TEST(SdpMoveRefusal, OfMulticast) {
               "7: a multicast address cannot move");
     EXPECT_EQ(refusal_of(session({"m=audio 32010 RTP/AVP 0", "c=IN IP6 ff15::101"})),
               "7: a multicast address cannot move");
-    EXPECT_EQ(refusal_of(session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 10.0.0.1/127"})),
-              "7: a multicast address cannot move");
+    EXPECT_EQ(refusal_of(session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 10.0.0.1/24"})),
+              "7: an address with a number after it cannot move");
 }
 
 TEST(SdpMoveRefusal, OfALineWithTwoAddresses) {
@@ -310,9 +334,16 @@ TEST(SdpMoveRefusal, OfWhatCouldNotBeUndone) {
     EXPECT_EQ(refusal_of(lines({"v=0", "o=- 1 1 IN IP6 2001:DB8::1", "c=IN IP6 2001:db8::1",
                                 "m=audio 32010 RTP/AVP 0"})),
               "2" + message);
-    EXPECT_EQ(refusal_of(lines(
-                  {"v=0", "o=- 1 1 IN IP4 h", "c=IN ip6 2001:db8::1", "m=audio 32010 RTP/AVP 0"})),
-              "3" + message);
+}
+
+TEST(SdpMoveRefusal, OfAHostName) {
+    EXPECT_EQ(refusal_of(session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 media.example.com"})),
+              "7: host names are not looked up");
+    EXPECT_EQ(refusal_of(session({"m=audio 32010 RTP/AVP 0", "a=rtcp:32011 IN IP4 host"})),
+              "7: host names are not looked up");
+    EXPECT_EQ(refusal_of(lines({"v=0", "o=- 1 1 IN IP4 h", "c=IN IP4 media.example.com",
+                                "m=audio 32010 RTP/AVP 0"})),
+              "3: host names are not looked up");
 }
 
 TEST(SdpMoveRefusal, OfWhatTheReaderRefuses) {

@@ -1,0 +1,110 @@
+// What the reader refuses, in both modes: what is no session description.
+
+#include <gtest/gtest.h>
+
+#include "readings.h"
+
+namespace {
+
+TEST(SdpRefusal, OfWhatIsNoDescription) {
+    EXPECT_EQ(refusal_of(""), "0: no session description: there is nothing in it");
+    EXPECT_EQ(refusal_of("\r\n \n"), "0: no session description: there is nothing in it");
+    EXPECT_EQ(refusal_of("hello"), "1: no session description: it does not begin with v=0");
+    EXPECT_EQ(refusal_of("\nv=1\n"), "2: no session description: it does not begin with v=0");
+    EXPECT_EQ(refusal_of("\xef\xbb\xbfv=0\n"), "1: a byte-order mark stands before v=");
+    EXPECT_EQ(refusal_of("v=0\n"), "1: no o= line follows");
+}
+
+TEST(SdpRefusal, OfLinesThatTheParserWouldPassOverOrMerge) {
+    EXPECT_EQ(refusal_of(session({"m=audio 5004 RTP/AVP 0", "nonsense", "a=ptime:20"})),
+              "7: the line is not of the form x=value");
+    EXPECT_EQ(refusal_of(session({"m=audio 5004 RTP/AVP 0", "y=1"})),
+              "7: SDP has no such kind of line");
+    EXPECT_EQ(refusal_of(session({"m=audio 5004 RTP/AVP 0", "v=0"})),
+              "7: a second description begins here");
+    EXPECT_EQ(refusal_of(session({"o=- 1 1 IN IP4 10.0.0.1"})),
+              "6: o= stands once, before the media");
+    EXPECT_EQ(refusal_of(lines({"v=0", "m=audio 0 RTP/AVP 0", "o=- 1 1 IN IP4 10.0.0.1"})),
+              "3: o= stands once, before the media");
+    EXPECT_EQ(refusal_of(session({"c=IN IP4 10.0.0.2"})), "6: the session has a second c= line");
+    EXPECT_EQ(refusal_of(session({std::string("a=x:\0y", 6)})), "6: the line holds a NUL byte");
+}
+
+TEST(SdpRefusal, OfPorts) {
+    const auto of_port = [](const std::string& port) {
+        return refusal_of(session({"m=audio " + port + " RTP/AVP 0"}));
+    };
+    for (const char* const port : {"65536", "-1", "abc", "", "99999999999999999999", "+5", "5x"}) {
+        EXPECT_EQ(of_port(port).substr(0, 3), "6: ") << port;
+    }
+    EXPECT_EQ(of_port("65536"), "6: the port is no number from 0 to 65535");
+    EXPECT_EQ(of_port("5004/0"), "6: the number of ports is out of range");
+    EXPECT_EQ(of_port("5004/"), "6: the number of ports is out of range");
+    EXPECT_EQ(of_port("5004/65536"), "6: the number of ports is out of range");
+    EXPECT_EQ(of_port("65532/2"), "accepted");
+    EXPECT_EQ(of_port("65533/2"), "6: the ports run beyond 65535");
+    EXPECT_EQ(refusal_of(session({"m=image 65534/2 udptl t38"})), "accepted");
+    EXPECT_EQ(refusal_of(session({"m=image 65535/2 udptl t38"})), "6: the ports run beyond 65535");
+}
+
+TEST(SdpRefusal, OfAddresses) {
+    const auto of_address = [](const std::string& address) {
+        return refusal_of(session({"m=audio 5004 RTP/AVP 0", "c=" + address}));
+    };
+    for (const char* const address :
+         {"10.0.0.256", "10.0.0", "2001:db8::x", "a..b", "-", "h\xc3\xb6st"}) {
+        EXPECT_EQ(of_address(std::string("IN IP4 ") + address),
+                  "7: the address is neither an IP address nor a host name")
+            << address;
+    }
+    EXPECT_EQ(of_address("IN IP4 2001:db8::1"),
+              "7: the address is of another family than its label says");
+    EXPECT_EQ(of_address("IN IP6 10.0.0.1"),
+              "7: the address is of another family than its label says");
+    EXPECT_EQ(of_address("ATM NSAP 47.0091"), "7: the address is neither IN IP4 nor IN IP6");
+    for (const char* const value : {"", "IN IP4", "IN IP4 10.0.0.1 x"}) {
+        EXPECT_EQ(of_address(value), "7: c= needs a net type, an address type and an address");
+    }
+}
+
+TEST(SdpRefusal, OfAnOriginNamesTheNumberOfItsFields) {
+    const auto of_origin = [](const std::string& origin) {
+        return refusal_of(lines({"v=0", "o=" + origin, "s=-"}));
+    };
+    EXPECT_EQ(of_origin("broken"), "2: o= has 1 fields and not six");
+    EXPECT_EQ(of_origin("1 1 IN IP4 10.0.0.1"), "2: o= has 5 fields and not six");
+    EXPECT_EQ(of_origin("two words 1 1 IN IP4 10.0.0.1"), "2: o= has 7 fields and not six");
+    EXPECT_EQ(of_origin("- x 1 IN IP4 10.0.0.1"), "2: the SDP parser refuses this o= line");
+}
+
+TEST(SdpRefusal, OfPayloadTypesOfTheMediaLine) {
+    EXPECT_EQ(refusal_of(session({"m=audio 5004 RTP/AVP 0", "m=audio 5004 RTP/SAVPF 128"})),
+              "7: a payload type is above 127");
+    EXPECT_EQ(refusal_of(session({"m=audio 5004 RTP/AVP x"})),
+              "6: the SDP parser refuses this m= line");
+    EXPECT_EQ(refusal_of(session({"m=message 5004 TCP/MSRP 128"})), "accepted");
+}
+
+TEST(SdpRefusal, OfFormatsAtWhichTheParserWouldNotEnd) {
+    for (const char* const line :
+         {"m=x 5 y /z", "m=x\xcf 5 y z", "m=x 5 y a:b", "m=x 5 y a (b", "m=x 5 y \xe9",
+          "m=x 5 y=z a", "m=x 5 y\x01 a", "m=x 5 y \x7f", "m=audio 5004 RTP/AVP ,"}) {
+        EXPECT_EQ(refusal_of(session({line})),
+                  "6: the kind, the transport or a format is not made of token characters");
+    }
+    EXPECT_EQ(refusal_of(session({"m=x 5 y/z webrtc-datachannel * {~"})), "accepted");
+}
+
+TEST(SdpRefusal, OfMoreFormatsThanRtpHas) {
+    const auto with_formats = [](int count) {
+        std::string line = "m=audio 5004 RTP/AVP";
+        while (count-- != 0) {
+            line += " 0";
+        }
+        return refusal_of(session({line}));
+    };
+    EXPECT_EQ(with_formats(128), "accepted");
+    EXPECT_EQ(with_formats(129), "6: the media has more than 128 formats");
+}
+
+}  // namespace

@@ -1,6 +1,6 @@
-// libFuzzer's entry to the example's reader and mover: every refusal has a message that names a
-// line of the description, what is accepted can be moved and read again, and the way back restores
-// it.
+// libFuzzer's entry to the example's reader and mover: every refusal and warning has a message that
+// names a line of the description, a strict reading refuses for the first warning, what is accepted
+// can be moved and read again, and the way back restores it.
 
 #include <algorithm>
 #include <cstdint>
@@ -15,12 +15,15 @@
 namespace {
 
 unsigned long long read_count = 0;
+unsigned long long strict_count = 0;
 unsigned long long moved_count = 0;
 unsigned long long restored_count = 0;
 
 void print_counts() {
-    std::fprintf(stderr, "sdp_fuzzer: %llu descriptions read, %llu moves, %llu of them undone\n",
-                 read_count, moved_count, restored_count);
+    std::fprintf(stderr,
+                 "sdp_fuzzer: %llu descriptions read, %llu of them strictly, %llu moves, %llu of "
+                 "them undone\n",
+                 read_count, strict_count, moved_count, restored_count);
 }
 
 [[noreturn]] void fail(const std::string& what, const std::string& text) {
@@ -28,15 +31,14 @@ void print_counts() {
     std::abort();
 }
 
-void check(const sdp::Refusal& refusal, const std::string& text) {
-    const std::string message = refusal.what();
+void check(std::size_t line, const std::string& message, const std::string& text) {
     const auto is_end = [](char byte) { return byte == '\n' || byte == '\r'; };
     const auto line_ends = std::count_if(text.begin(), text.end(), is_end);
     if (message.empty()) {
-        fail("a refusal without a message", text);
+        fail("nothing is said", text);
     }
-    if (refusal.line > static_cast<std::size_t>(line_ends) + 1) {
-        fail("a refusal that names line " + std::to_string(refusal.line), text);
+    if (line > static_cast<std::size_t>(line_ends) + 1) {
+        fail("line " + std::to_string(line) + " is named", text);
     }
     if (std::any_of(message.begin(), message.end(),
                     [](char byte) { return byte < ' ' || byte > '~'; })) {
@@ -50,14 +52,55 @@ auto unless_refused(const std::string& text, Call call) -> std::optional<decltyp
     try {
         return call();
     } catch (const sdp::Refusal& refusal) {
-        check(refusal, text);
+        check(refusal.line, refusal.what(), text);
         return std::nullopt;
     }
 }
 
+std::optional<sdp::Reading> read(const std::string& text, sdp::Role role,
+                                 sdp::Strictness strictness) {
+    return unless_refused(text,
+                          [&] { return sdp::read(sdp::Description(text), role, strictness); });
+}
+
+void check_strict(const sdp::Reading& lenient, const std::string& text, sdp::Role role) {
+    try {
+        const sdp::Reading strict =
+            sdp::read(sdp::Description(text), role, sdp::Strictness::STRICT);
+        if (!lenient.warnings.empty() || !strict.warnings.empty()) {
+            fail("a strict reading passes over a warning", text);
+        }
+        if (std::string(*strict.capability) != std::string(*lenient.capability)) {
+            fail("a strict reading is another one", text);
+        }
+        strict_count += role == sdp::Role::OFFER ? 1 : 0;
+    } catch (const sdp::Refusal& refusal) {
+        if (lenient.warnings.empty() || refusal.line != lenient.warnings[0].line ||
+            refusal.what() != lenient.warnings[0].message) {
+            fail(std::string("a strict reading is refused for another reason: ") + refusal.what(),
+                 text);
+        }
+    }
+}
+
 std::optional<sdp::Reading> checked_read(const std::string& text, sdp::Role role) {
-    return unless_refused(
-        text, [&] { return sdp::read(sdp::Description(text), role, sdp::Strictness::LENIENT); });
+    auto reading = read(text, role, sdp::Strictness::LENIENT);
+    if (!reading) {
+        if (read(text, role, sdp::Strictness::STRICT)) {
+            fail("a strict reading accepts what a lenient one refuses", text);
+        }
+        return reading;
+    }
+    std::size_t last = 0;
+    for (const sdp::Warning& warning : reading->warnings) {
+        check(warning.line, warning.message, text);
+        if (warning.line < last) {
+            fail("the warnings are not in the order of the lines", text);
+        }
+        last = warning.line;
+    }
+    check_strict(*reading, text, role);
+    return reading;
 }
 
 std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& plan) {

@@ -73,7 +73,6 @@ void check_strict(const sdp::Reading& lenient, const std::string& text, sdp::Rol
         if (std::string(*strict.capability) != std::string(*lenient.capability)) {
             fail("a strict reading is another one", text);
         }
-        strict_count += role == sdp::Role::OFFER ? 1 : 0;
     } catch (const sdp::Refusal& refusal) {
         if (lenient.warnings.empty() || refusal.line != lenient.warnings[0].line ||
             refusal.what() != lenient.warnings[0].message) {
@@ -154,6 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         if (role == sdp::Role::OFFER) {
             ++read_count;
+            strict_count += reading->warnings.empty() ? 1 : 0;
             const std::string log = *reading->capability;
             for (const sdp::Plan& plan :
                  {sdp::Plan{"203.0.113.9", 40000, 7000}, sdp::Plan{"2001:DB8::0:9", 31999, 6667},

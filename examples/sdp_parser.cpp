@@ -56,9 +56,10 @@ void check_alone(const Line& line, std::string_view content, bool in_media) {
 template <class Check>
 void leave_out(const Description& description, Parsed& parsed, LeftOut& left_out, Check check) {
     for (std::size_t i = 0; i < description.sections.size(); ++i) {
-        for (const Line& line : description.sections[i]) {
+        const Section& section = description.sections[i];
+        for (const Line& line : section) {
             if (left_out.count(&line) == 0 &&
-                !tolerate(parsed.warnings[i], [&] { check(line, i != 0); })) {
+                !tolerate(parsed.warnings[i], [&] { check(line, section); })) {
                 left_out.insert(&line);
             }
         }
@@ -131,8 +132,9 @@ Parsed parse(const Description& description) {
     Parsed parsed;
     parsed.warnings.resize(description.sections.size());
     LeftOut left_out;
-    leave_out(description, parsed, left_out, [](const Line& line, bool in_media) {
-        if (in_media && same(line.name, "rtpmap")) {
+    leave_out(description, parsed, left_out, [](const Line& line, const Section& section) {
+        if (same(line.name, "rtpmap") && section.front().type == 'm' &&
+            media_line(section.front()).is_rtp) {
             check_rtpmap(line);
         }
     });
@@ -143,10 +145,10 @@ Parsed parse(const Description& description) {
     };
     parse_input();
     if (sdp_session(parsed.parser.get()) == nullptr) {
-        leave_out(description, parsed, left_out, [&](const Line& line, bool in_media) {
+        leave_out(description, parsed, left_out, [&](const Line& line, const Section& section) {
             // The model needs the other kinds of lines, or the parser takes any such line.
             if (std::string_view("abkrtz").find(line.type) != std::string_view::npos) {
-                check_alone(line, trimmed(description.content(line)), in_media);
+                check_alone(line, trimmed(description.content(line)), section.front().type == 'm');
             }
         });
         const Input input = parse_input();

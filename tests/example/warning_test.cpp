@@ -119,6 +119,7 @@ TEST(SdpWarnings, OfRtpmapLinesNameTheCause) {
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:128 x/8000"),
               "7: a=rtpmap: the payload type is above 127");
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:"), "7: a=rtpmap: the payload type is no number");
+    EXPECT_EQ(warnings_of(session({"m=message 5004 TCP/MSRP *", "a=rtpmap:x"})), "");
     for (const char* const accepted : {"96 x/8000", "96  x /8000", "96 x/8000/2", "96 x/8000 y"}) {
         EXPECT_EQ(warnings_of_attribute(std::string("a=rtpmap:") + accepted), "") << accepted;
     }

@@ -5,15 +5,22 @@
 //
 // - The lines that move are those that are neither rejected nor passed through. Their c= addresses
 //   change (their own or the session's), the addresses of their a=rtcp, and the ports of m= and
-//   a=rtcp where the model moves them (audio and fax).
-// - An unspecified address (0.0.0.0, ::) stays, for it holds the call.
+//   a=rtcp where the model moves them (audio and fax), or those of a line bundled with it on the
+//   same port (RFC 8843).
+// - An unspecified address (0.0.0.0, ::) stays: it holds the call, or no candidate is known yet.
+//   Port 9 stays at such an address (RFC 8838), and that of a TCP line, which will connect
+//   (RFC 4145).
 // - The o= address and the session's c= change when they are an address that moves. Another
 //   address or a host name there stays: it is not the media's.
 // - IP4 and IP6 follow the address. The new address is written as it was given.
 // - A line that keeps its address while the session's c= changes gets a c= of its own.
+// - The addresses in a=candidate, a=remote-candidates and MSRP's a=path stay, with a warning where
+//   the move leaves them.
 //
 // Refused, with a message: a move that takes a port below 1 or beyond 65535; that would move a
-// multicast address, or a line that has two addresses; that the reverse move could not undo.
+// multicast address, a line that has two addresses, or lines of several addresses without `merge`;
+// that ends with two lines at one address and port, or parts lines that are bundled on one; that
+// the reverse move could not undo.
 //
 // The way back. When the lines that move share one address, `back` with that address (as it was
 // written) restores the text byte for byte. That is tried before a move is accepted, and it needs
@@ -32,6 +39,7 @@
 #include <string>
 #include <vector>
 
+#include "sdp_reader.h"
 #include "sdp_text.h"
 
 namespace sdp {
@@ -41,20 +49,24 @@ struct Plan {
     unsigned short audio_port;  // stands for QOVA_Capability::AUDIO_PORT_BASE
     unsigned short fax_port;    // stands for QOVA_Capability::FAX_PORT_BASE
     bool back = false;          // from the public plan to the local one
+    bool merge = false;         // several addresses may become one
+    Role role = Role::OFFER;
+    Strictness strictness = Strictness::LENIENT;  // STRICT: a warning is thrown as a Refusal
 };
 
 struct Move {
-    std::string text;        // the moved description
-    std::string log_before;  // the capability's text
-    std::string log_after;
-    std::string old_address;  // for the way back, as it was written; empty if there were several
-    std::vector<Warning> warnings;  // of reading the description
+    std::string text;               // the moved description
+    std::string log_before;         // the capability's text
+    std::string log_after;          // that of the moved description
+    std::string old_address;        // for the way back, as it was written; empty if there is none
+    std::vector<Warning> warnings;  // in the order of the lines
 };
 
-// Whether media can be sent to an address: an IPv4 or IPv6 address that is no multicast group.
+// Whether media can be sent to an address: an IPv4 or IPv6 address that is neither a multicast
+// group nor unspecified.
 bool is_address(const std::string& text);
 
-// Moves a description, which is read as an offer. Linear in the length of the text. Throws Refusal.
+// Linear in the length of the text, but for sorting. Throws Refusal.
 Move move(const std::string& text, const Plan& plan);
 
 }  // namespace sdp

@@ -15,7 +15,7 @@ import unittest
 
 from program import Program
 
-PLANS = [("203.0.113.5", "40000", "7000"), ("2001:db8:ffff::9", "32002", "6668"),
+PLANS = [("203.0.113.5", "40000", "7000"), ("2001:db8:ffff::9", "31000", "6668"),
          ("203.0.113.5", "33000", "6000")]
 
 
@@ -39,6 +39,8 @@ class SampleTest(unittest.TestCase):
         text = sample.read_bytes()
         # The last c= line is one of the media; some samples have no c= of the session.
         address = re.findall(rb"^c=IN IP[46] (\S+)", text, re.MULTILINE)[-1].decode()
+        if address == "0.0.0.0":
+            address = "10.0.0.1"  # any will do: none is written
         for target, audio, fax in PLANS:
             plan = ["--audio-port", audio, "--fax-port", fax]
             status, moved, log = program.run("move", "--address", target, *plan, str(sample))
@@ -46,11 +48,13 @@ class SampleTest(unittest.TestCase):
                 self.assertEqual((status, moved, log), (1, b"", "qova-sdp: " + refusal))
                 continue
             self.assertEqual(status, 0, log)
+            left = rf"{re.escape(str(sample))}:\d+: warning: an address that the move has left .*\n"
+            log = re.sub(left, "", log)
             warnings = messages(".warnings")
             self.assertEqual(log[:len(warnings)], warnings)
             self.assertRegex(log[len(warnings):],
                              r"(?s)\Abefore: Capability\(.*\nafter: Capability\(.*\n\Z")
-            if address != "0.0.0.0":
+            if not re.search(rb"^c=IN IP4 0.0.0.0", text, re.MULTILINE):
                 self.assertNotEqual(moved, text)
             status, restored, log = program.run("move", "--back", "--address", address, *plan, "-",
                                                 text=moved)

@@ -108,7 +108,7 @@ std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& 
 
 void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::Move& there) {
     if (there.old_address.empty()) {
-        return;  // the media do not share one address
+        return;  // there is none: it merged addresses, or went back to another plan
     }
     const sdp::Plan back = {there.old_address, plan.audio_port, plan.fax_port, !plan.back};
     const auto restored = checked_move(there.text, back);
@@ -130,12 +130,14 @@ void check_move(const std::string& text, const std::string& log, const sdp::Plan
     if (moved->log_before != log) {
         fail("the log before the move is\n" + moved->log_before + "and not\n" + log, text);
     }
-    if (!checked_read(moved->text, sdp::Role::OFFER)) {
+    const auto after = checked_read(moved->text, sdp::Role::OFFER);
+    if (!after) {
         fail("the moved description is refused:\n" + moved->text + "from", text);
     }
-    if (!plan.back) {
-        check_way_back(text, plan, *moved);
+    if (moved->log_after != std::string(*after->capability)) {
+        fail("the log after the move is\n" + moved->log_after + "of\n" + moved->text, text);
     }
+    check_way_back(text, plan, *moved);
 }
 
 }  // namespace
@@ -157,8 +159,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             const std::string log = *reading->capability;
             for (const sdp::Plan& plan :
                  {sdp::Plan{"203.0.113.9", 40000, 7000}, sdp::Plan{"2001:DB8::0:9", 31999, 6667},
-                  sdp::Plan{"10.0.0.1", 32000, 6666}, sdp::Plan{"0.0.0.0", 32002, 6668},
-                  sdp::Plan{"203.0.113.9", 31990, 6000, true}}) {
+                  sdp::Plan{"10.0.0.1", 32000, 6666},
+                  sdp::Plan{"203.0.113.9", 32002, 6668, false, true},
+                  sdp::Plan{"203.0.113.9", 31990, 6000, true},
+                  sdp::Plan{"203.0.113.9", 40000, 7000, false, false, sdp::Role::OFFER,
+                            sdp::Strictness::STRICT}}) {
                 check_move(text, log, plan);
             }
         }

@@ -118,7 +118,7 @@ Input parser_input(const Description& description, const LeftOut& left_out) {
     const Line& line = *refused->line;
     const std::size_t fields = tokens(line.value).size();
     if (line.type == 'o' && fields != 6) {
-        throw Refusal(line.number, "o= has " + std::to_string(fields) + " fields and not six");
+        throw Refusal(line.number, "o= needs six fields and has " + std::to_string(fields));
     }
     if (line.type == 'c') {
         connection_address(line);  // throws too, and may name the cause

@@ -71,9 +71,9 @@ TEST(SdpRefusal, OfAnOriginNamesTheNumberOfItsFields) {
     const auto of_origin = [](const std::string& origin) {
         return refusal_of(lines({"v=0", "o=" + origin, "s=-"}));
     };
-    EXPECT_EQ(of_origin("broken"), "2: o= has 1 fields and not six");
-    EXPECT_EQ(of_origin("1 1 IN IP4 10.0.0.1"), "2: o= has 5 fields and not six");
-    EXPECT_EQ(of_origin("two words 1 1 IN IP4 10.0.0.1"), "2: o= has 7 fields and not six");
+    EXPECT_EQ(of_origin("broken"), "2: o= needs six fields and has 1");
+    EXPECT_EQ(of_origin("1 1 IN IP4 10.0.0.1"), "2: o= needs six fields and has 5");
+    EXPECT_EQ(of_origin("two words 1 1 IN IP4 10.0.0.1"), "2: o= needs six fields and has 7");
     EXPECT_EQ(of_origin("- x 1 IN IP4 10.0.0.1"), "2: the SDP parser refuses this o= line");
 }
 

@@ -77,6 +77,12 @@ TEST(SdpMove, HandsOnTheWarningsAndMovesTheRest) {
     EXPECT_EQ(move.warnings[0].line, 7U);
     EXPECT_EQ(move.warnings[1].line, 9U);
     EXPECT_EQ(move.warnings[2].line, 10U);
+    const std::string candidate = "a=candidate:1 1 UDP 1 10.0.0.1 32010 typ host";
+    const sdp::Move mixed =
+        sdp::move(session({"m=audio 32010 RTP/AVP 0", candidate, "a=ptime:x"}), to_public);
+    ASSERT_EQ(mixed.warnings.size(), 2U);
+    EXPECT_EQ(mixed.warnings[0].line, 7U);
+    EXPECT_EQ(mixed.warnings[1].line, 8U);
     EXPECT_EQ(moved_media({"m=audio 32010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:32011", "a=rtcp:32013",
                            "a=ptime:x"}),
               lines({"m=audio 40010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:40011", "a=rtcp:32013",

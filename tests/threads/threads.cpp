@@ -8,26 +8,16 @@
 #include <thread>
 #include <vector>
 
-#include "netconf/sdp.h"
-#include "qova/attributes.h"
-#include "qova/capability.h"
-#include "qova/crypto.h"
-#include "socket/address.h"
+#include "building_blocks.h"
 
 namespace {
 
 QOVA_Capability make_offer() {
     QOVA_Capability offer;
-    auto* const media = new QOVA_Media;
-    offer.filteredMedia.push_back(media);
-    media->mediaType = QOVA_Media::MT_AUDIO;
-    auto* const audio = new QOVA_AudioAttribute;
-    media->attributes.push_back(audio);
-    audio->codec = CODEC_G722;
-    media->attributes.push_back(new QOVA_FaxAttribute);
-    auto* const crypto = new QOVA_Crypto;
-    media->cryptos.push_back(crypto);
-    crypto->keys.push_back({});
+    QOVA_Media& media = append_media(offer, QOVA_Media::MT_AUDIO);
+    append_audio(media, CODEC_G722);
+    append_fax(media, FT_NIL);
+    append_crypto(media, 0).keys.push_back({});
     return offer;
 }
 

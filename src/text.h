@@ -38,6 +38,8 @@ constexpr std::size_t longest() {
         return Limits::digits10 + 1 + (Limits::is_signed ? 1 : 0);
     }
 }
+static_assert(longest<char[4]>() == 3 && longest<unsigned char[8]>() == 24 &&
+              longest<bool>() == 1 && longest<unsigned int>() == 10 && longest<int>() == 11);
 
 // Each writes a piece and returns the end of it. Numbers: text.cpp.
 char* put(char* to, int value);
@@ -58,8 +60,9 @@ inline char* put(char* to, bool value) {
 
 template <std::size_t N>
 char* put(char* to, const char (&literal)[N]) {
-    std::memcpy(to, literal, N - 1);
-    return to + (N - 1);
+    constexpr std::size_t length = longest<char[N]>();
+    std::memcpy(to, literal, length);
+    return to + length;
 }
 
 template <std::size_t N>

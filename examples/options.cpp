@@ -5,22 +5,26 @@
 #include <set>
 #include <utility>
 
+#include "sdp_audio.h"
 #include "sdp_mover.h"
 #include "sdp_text.h"
 
 const char usage[] =
     "usage: qova-sdp log [OPTION]... FILE...\n"
     "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]... FILE...\n"
+    "       qova-sdp answer --local ADDRESS [OPTION]... OFFER\n"
     "       qova-sdp --help | --version\n"
     "\n"
     "Reads a session description (SDP) from each FILE, or from standard input for \"-\". It may\n"
     "stand in a SIP message or in a multipart body.\n"
     "\n"
-    "log   prints the media capability that it describes.\n"
-    "move  moves it from the local address and port plan to a public one, and prints the moved\n"
-    "      description; on standard error its capability, and the command that moves it back.\n"
+    "log     prints the media capability that it describes.\n"
+    "move    moves it from the local address and port plan to a public one, and prints the moved\n"
+    "        description; on standard error its capability, and the command that moves it back.\n"
+    "answer  prints an answer to it; on standard error the capabilities of both, which lines are\n"
+    "        rejected, and why.\n"
     "\n"
-    "  --answer           it is an answer, not an offer\n"
+    "  --answer           it is an answer, not an offer (log and move)\n"
     "  --strict           refuse what is only warned of otherwise\n"
     "  --output FILE      write to FILE, whole or not at all, instead of standard output\n"
     "  -h, --help         print this text\n"
@@ -33,6 +37,18 @@ const char usage[] =
     "  --back             the reverse: from the public plan to the local one\n"
     "  --merge            let lines of several addresses become lines of one, for good\n"
     "  --verbose          print the capability before the move too\n"
+    "\n"
+    "For answer:\n"
+    "  --local ADDRESS    the local IPv4 or IPv6 address\n"
+    "  --codec NAME       accept this codec; may be repeated; without it all are accepted: PCMA,\n"
+    "                     PCMU, G723, G729, G729A, G722, AMR-WB, opus\n"
+    "  --fax, --no-fax    accept T.38 fax, or reject it; it is accepted unless told otherwise\n"
+    "  --previous FILE    the answer of before: says whether anything changed since, and keeps "
+    "the\n"
+    "                     session\n"
+    "  --public ADDRESS   answer in the public plan that has this address, with\n"
+    "  --audio-port N     the public port that stands for local audio port 32000, and\n"
+    "  --fax-port N       the public port that stands for local fax port 6666\n"
     "\n"
     "Exit status: 0 done, 1 a description was refused or could not be read or written, 2 the\n"
     "command line is wrong.\n";
@@ -47,41 +63,68 @@ unsigned short port_of(const std::string& option, const std::string& value) {
     return static_cast<unsigned short>(*port);
 }
 
-std::string address_of(const std::string& value) {
+std::string address_of(const std::string& option, const std::string& value) {
     if (!sdp::is_address(value)) {
-        throw Misuse("--address: " + value + " is no unicast IPv4 or IPv6 address");
+        throw Misuse(option + ": " + value + " is no unicast IPv4 or IPv6 address");
     }
     return value;
 }
 
+QOVA_Codec codec_of(const std::string& name) {
+    const auto codec = sdp::codec_named(name);
+    if (!codec) {
+        throw Misuse("--codec: there is no codec " + name);
+    }
+    return *codec;
+}
+
+enum Commands : unsigned { LOG = 1, MOVE = 2, ANSWER = 4, ALL = LOG | MOVE | ANSWER };
+
+unsigned command_of(const std::string& name) {
+    return name == "log" ? LOG : name == "move" ? MOVE : name == "answer" ? ANSWER : 0U;
+}
+
 struct Option {
     const char* name;
-    bool is_of_log;  // else of move alone
+    unsigned commands;  // that have it
     bool takes_value;
     void (*set)(Options& options, const std::string& value);
 };
 
 constexpr Option all_options[] = {
-    {"--help", true, false, [](Options& to, const std::string&) { to.help = true; }},
-    {"--version", true, false, [](Options& to, const std::string&) { to.version = true; }},
-    {"--answer", true, false, [](Options& to, const std::string&) { to.answer = true; }},
-    {"--strict", true, false, [](Options& to, const std::string&) { to.strict = true; }},
-    {"--output", true, true, [](Options& to, const std::string& value) { to.output = value; }},
-    {"--back", false, false, [](Options& to, const std::string&) { to.back = true; }},
-    {"--merge", false, false, [](Options& to, const std::string&) { to.merge = true; }},
-    {"--verbose", false, false, [](Options& to, const std::string&) { to.verbose = true; }},
-    {"--address", false, true,
-     [](Options& to, const std::string& value) { to.address = address_of(value); }},
-    {"--audio-port", false, true,
+    {"--help", ALL, false, [](Options& to, const std::string&) { to.help = true; }},
+    {"--version", ALL, false, [](Options& to, const std::string&) { to.version = true; }},
+    {"--answer", LOG | MOVE, false, [](Options& to, const std::string&) { to.answer = true; }},
+    {"--strict", ALL, false, [](Options& to, const std::string&) { to.strict = true; }},
+    {"--output", ALL, true, [](Options& to, const std::string& value) { to.output = value; }},
+    {"--back", MOVE, false, [](Options& to, const std::string&) { to.back = true; }},
+    {"--merge", MOVE, false, [](Options& to, const std::string&) { to.merge = true; }},
+    {"--verbose", MOVE, false, [](Options& to, const std::string&) { to.verbose = true; }},
+    {"--address", MOVE, true,
+     [](Options& to, const std::string& value) { to.address = address_of("--address", value); }},
+    {"--local", ANSWER, true,
+     [](Options& to, const std::string& value) { to.local = address_of("--local", value); }},
+    {"--public", ANSWER, true,
+     [](Options& to, const std::string& value) {
+         to.public_address = address_of("--public", value);
+     }},
+    {"--audio-port", MOVE | ANSWER, true,
      [](Options& to, const std::string& value) { to.audio_port = port_of("--audio-port", value); }},
-    {"--fax-port", false, true,
+    {"--fax-port", MOVE | ANSWER, true,
      [](Options& to, const std::string& value) { to.fax_port = port_of("--fax-port", value); }},
+    {"--codec", ANSWER, true,
+     [](Options& to, const std::string& value) { to.codecs.push_back(codec_of(value)); }},
+    {"--fax", ANSWER, false, [](Options& to, const std::string&) { to.fax = true; }},
+    {"--no-fax", ANSWER, false, [](Options& to, const std::string&) { to.fax = false; }},
+    {"--previous", ANSWER, true,
+     [](Options& to, const std::string& value) { to.previous = value; }},
 };
 
 const Option& option_of(const std::string& command, const std::string& name) {
     const auto* const found =
         std::find_if(std::begin(all_options), std::end(all_options), [&](const Option& option) {
-            return option.name == name && (option.is_of_log || command == "move");
+            const unsigned commands = command.empty() ? LOG : command_of(command);
+            return option.name == name && (option.commands & commands) != 0;
         });
     if (found == std::end(all_options)) {
         throw Misuse(std::string(command).append(" has no option ").append(name));
@@ -93,17 +136,37 @@ void check(const Options& options) {
     if (options.files.empty()) {
         throw Misuse("no FILE is given");
     }
-    if (std::count(options.files.begin(), options.files.end(), "-") > 1) {
+    if (std::count(options.files.begin(), options.files.end(), "-") +
+            (options.previous == "-" ? 1 : 0) >
+        1) {
         throw Misuse("standard input is given twice");
     }
     if (options.output && options.files.size() > 1) {
         throw Misuse("--output takes the output of one FILE only");
     }
-    for (const auto& [name, is_given] : {std::pair("--address", options.address.has_value()),
-                                         std::pair("--audio-port", options.audio_port.has_value()),
-                                         std::pair("--fax-port", options.fax_port.has_value())}) {
-        if (options.command == "move" && !is_given) {
-            throw Misuse(std::string("move needs ") + name);
+    const std::pair<const char*, bool> of_plan[] = {
+        {options.command == "answer" ? "--public" : "--address",
+         options.address || options.public_address},
+        {"--audio-port", options.audio_port.has_value()},
+        {"--fax-port", options.fax_port.has_value()},
+    };
+    const auto is_given = [](const auto& option) { return option.second; };
+    const bool needs_plan = options.command == "move" ||
+                            (options.command == "answer" &&
+                             std::any_of(std::begin(of_plan), std::end(of_plan), is_given));
+    for (const auto& option : of_plan) {
+        if (needs_plan && !is_given(option)) {
+            throw Misuse(options.command == "move"
+                             ? std::string("move needs ") + option.first
+                             : std::string("a public plan needs ") + option.first);
+        }
+    }
+    if (options.command == "answer") {
+        if (!options.local) {
+            throw Misuse("answer needs --local");
+        }
+        if (options.files.size() > 1) {
+            throw Misuse("answer takes one OFFER");
         }
     }
 }
@@ -118,7 +181,7 @@ Options read_options(const std::vector<std::string>& arguments) {
     if (next == arguments.end()) {
         throw Misuse("no command is given");
     }
-    if (*next == "log" || *next == "move") {
+    if (command_of(*next) != 0) {
         options.command = *next++;
     } else if (*next != "-h" && *next != "--help" && *next != "--version") {
         throw Misuse("there is no command " + *next);
@@ -136,7 +199,7 @@ Options read_options(const std::vector<std::string>& arguments) {
         const std::size_t equals = argument.find('=');
         const std::string name = argument == "-h" ? "--help" : argument.substr(0, equals);
         const Option& option = option_of(options.command, name);
-        if (!seen.insert(name).second) {
+        if (!seen.insert(name == "--no-fax" ? "--fax" : name).second && name != "--codec") {
             throw Misuse(name + " is given twice");
         }
         std::string value;

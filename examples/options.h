@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "qova/enumerations.h"
+
 struct Options {
-    std::string command;  // log or move
+    std::string command;  // log, move or answer
     bool help = false;    // then nothing else counts; nor with version
     bool version = false;
     bool answer = false;
@@ -17,8 +19,13 @@ struct Options {
     bool back = false;
     bool merge = false;
     bool verbose = false;
+    bool fax = true;
     std::optional<std::string> output;
     std::optional<std::string> address;
+    std::optional<std::string> local;
+    std::optional<std::string> public_address;
+    std::optional<std::string> previous;
+    std::vector<QOVA_Codec> codecs;  // empty: all
     std::optional<unsigned short> audio_port;
     std::optional<unsigned short> fax_port;
     std::vector<std::string> files;  // "-" is standard input

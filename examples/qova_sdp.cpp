@@ -4,12 +4,14 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "call_side.h"
 #include "files.h"
 #include "options.h"
 #include "qova/export.h"
@@ -72,6 +74,7 @@ struct Result {
     std::string output;
     std::vector<sdp::Warning> warnings;
     std::vector<std::string> notes;  // for standard error
+    std::vector<sdp::Warning> rejections = {};
 };
 
 Result run_log(const Options& options, const std::string& text) {
@@ -97,6 +100,49 @@ Result run_move(const Options& options, const std::string& text) {
     return {std::move(move.text), std::move(move.warnings), std::move(notes)};
 }
 
+// Lets a call use a file's description. Throws what names the file and the line of a Refusal.
+template <class Call>
+void with_description(const std::string& file, Call call) {
+    std::size_t lines_before = 0;
+    try {
+        const sdp::Found found = sdp::find_description(read_file(file));
+        lines_before = found.lines_before;
+        call(found);
+    } catch (const sdp::Refusal& refusal) {
+        throw std::runtime_error(place(file, refusal.line, lines_before) + ": " + refusal.what());
+    }
+}
+
+// The side of the call that answers.
+sdp::CallSide call_side(const Options& options) {
+    sdp::Policy policy;
+    IPAddress::Parse(*options.local, policy.address);
+    policy.fax = options.fax;
+    if (!options.codecs.empty()) {
+        policy.codecs = options.codecs;
+    }
+    std::optional<sdp::PublicPlan> plan;
+    if (options.public_address) {
+        plan = {{}, *options.audio_port, *options.fax_port};
+        IPAddress::Parse(*options.public_address, plan->address);
+    }
+    return sdp::CallSide(std::move(policy), std::move(plan));
+}
+
+Result run_answer(const Options& options, const std::string& text) {
+    sdp::CallSide side = call_side(options);
+    if (options.previous) {
+        with_description(*options.previous,
+                         [&](const sdp::Found& found) { side.resume(found.text); });
+    }
+    sdp::Reply reply =
+        side.answer(text, options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT);
+    return {std::move(reply.text),
+            std::move(reply.warnings),
+            {std::move(reply.log)},
+            std::move(reply.rejections)};
+}
+
 // A message is not replaced by its description.
 void check_output(const Options& options, const std::string& file) {
     std::error_code error;
@@ -105,20 +151,25 @@ void check_output(const Options& options, const std::string& file) {
     }
 }
 
+Result result_of(const Options& options, const std::string& text) {
+    return options.command == "log"    ? run_log(options, text)
+           : options.command == "move" ? run_move(options, text)
+                                       : run_answer(options, text);
+}
+
 void process(const Options& options, const std::string& file) {
     const bool is_one_of_many = options.files.size() > 1;
-    std::size_t lines_before = 0;
-    try {
-        const sdp::Found found = sdp::find_description(read_file(file));
-        lines_before = found.lines_before;
+    with_description(file, [&](const sdp::Found& found) {
         if (found.is_part) {
             check_output(options, file);
         }
-        const Result result =
-            options.command == "log" ? run_log(options, found.text) : run_move(options, found.text);
-        for (const sdp::Warning& warning : result.warnings) {
-            print_error(place(file, warning.line, lines_before) + ": warning: " + warning.message +
-                        "\n");
+        const Result result = result_of(options, found.text);
+        for (const auto& [list, kind] : {std::pair(&result.warnings, ": warning: "),
+                                         std::pair(&result.rejections, ": rejected: ")}) {
+            for (const sdp::Warning& warning : *list) {
+                print_error(place(file, warning.line, found.lines_before) + kind + warning.message +
+                            "\n");
+            }
         }
         if (options.output) {
             write_file(*options.output, result.output);
@@ -130,9 +181,7 @@ void process(const Options& options, const std::string& file) {
         for (const std::string& note : result.notes) {
             print_error((is_one_of_many ? display_name(file) + ": " : "") + note);
         }
-    } catch (const sdp::Refusal& refusal) {
-        throw std::runtime_error(place(file, refusal.line, lines_before) + ": " + refusal.what());
-    }
+    });
 }
 
 Status report(Status status, const std::string& message) {

@@ -84,8 +84,9 @@ int milliseconds(const Line& line, const std::string& what, std::vector<Warning>
 
 }  // namespace
 
-void read_audio(const sdp_media_t& parsed, const Section& section, std::optional<bool> silence,
-                QOVA_Media& media, std::vector<Warning>& warnings) {
+std::vector<unsigned> read_audio(const sdp_media_t& parsed, const Section& section,
+                                 std::optional<bool> silence, QOVA_Media& media,
+                                 std::vector<Warning>& warnings) {
     int framing = 0;
     int max_framing = 0;
     for (const Line& line : section) {
@@ -99,10 +100,12 @@ void read_audio(const sdp_media_t& parsed, const Section& section, std::optional
     }
     const std::vector<Fmtp> fmtps = fmtps_of(section, warnings);
     const std::vector<const sdp_rtpmap_t*> payloads = payloads_of(parsed);
+    std::vector<unsigned> types;
     for (const sdp_rtpmap_t* payload : payloads) {
         if (is_tone_event(*payload)) {
             continue;
         }
+        types.push_back(payload->rm_pt);
         const QOVA_Codec codec = codec_of(*payload);
         const bool is_first_of_codec = media.find(codec) == nullptr;
         auto& audio = append_attribute<QOVA_AudioAttribute>(media, QOVA_Media::AT_AUDIO);
@@ -127,6 +130,16 @@ void read_audio(const sdp_media_t& parsed, const Section& section, std::optional
             }
         }
     }
+    return types;
+}
+
+std::optional<QOVA_Codec> codec_named(std::string_view encoding) {
+    for (const CodecName& name : codec_names) {
+        if (same(encoding, name.encoding)) {
+            return name.codec;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace sdp

@@ -27,6 +27,13 @@ constexpr KeySize key_sizes[] = {
     {CS_AEAD_AES_256_GCM, 44, 44},
 };
 
+const KeySize* key_size_of(g_crypto_suite suite) {
+    const auto* const found =
+        std::find_if(std::begin(key_sizes), std::end(key_sizes),
+                     [suite](const KeySize& candidate) { return candidate.suite == suite; });
+    return found == std::end(key_sizes) ? nullptr : found;
+}
+
 // Names are matched in any letter case, and offers often transpose those of the longest keys.
 g_crypto_suite suite_of(std::string_view name) {
     constexpr std::string_view transposed = "AES_CM_256_";
@@ -99,9 +106,7 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
     if (!size) {
         throw Refusal(line.number, "a=crypto: a key is not base64, or too long");
     }
-    const auto* const sizes =
-        std::find_if(std::begin(key_sizes), std::end(key_sizes),
-                     [suite](const KeySize& candidate) { return candidate.suite == suite; });
+    const KeySize* const sizes = key_size_of(suite);
     if (*size < sizes->least || *size > sizes->most) {
         throw Refusal(line.number, "a=crypto: a key has not the length that the suite asks for");
     }
@@ -161,6 +166,26 @@ std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
         }
     }
     return crypto;
+}
+
+bool needs_session_parameter(const Line& line) {
+    const std::vector<std::string_view> fields = tokens(line.value);
+    return fields.size() > 3 && std::any_of(fields.begin() + 3, fields.end(), [](auto parameter) {
+               return parameter.front() != '-';  // which marks those that may be passed over
+           });
+}
+
+std::string crypto_value(const QOVA_Crypto& crypto) {
+    char text[2 * sizeof QOVA_CryptoKey::key];
+    base64_e(text, sizeof text, const_cast<unsigned char*>(crypto.keys.front().key),
+             static_cast<isize_t>(key_size(crypto.algo)));
+    return std::to_string(crypto.tag) + " " + Sdp::CryptoParser::enumToAlgo(crypto.algo) + " " +
+           std::string(method) + text;
+}
+
+std::size_t key_size(g_crypto_suite suite) {
+    const KeySize* const sizes = key_size_of(suite);
+    return sizes == nullptr ? 0 : sizes->least;
 }
 
 std::string without_keys(const Description& description, const Section& section) {

@@ -14,6 +14,15 @@ namespace sdp {
 // Reads an a=crypto line. Throws Refusal.
 std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line);
 
+// Whether an a=crypto line may be accepted only by who understands one of its session parameters.
+bool needs_session_parameter(const Line& line);
+
+// The value of an a=crypto line that has one key.
+std::string crypto_value(const QOVA_Crypto& crypto);
+
+// Master key and salt of a suite, in bytes; 0 for one whose keys are unknown.
+std::size_t key_size(g_crypto_suite suite);
+
 // The lines of a section as they came, but for their keys.
 std::string without_keys(const Description& description, const Section& section);
 

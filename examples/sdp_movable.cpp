@@ -139,8 +139,8 @@ std::vector<MovableLine> movable_lines(const Description& description, const Rea
     const Line* const session_connection = first_connection(session);
     const auto bundles = bundles_of(session);
     std::vector<MovableLine> lines;
-    for (std::size_t i = 0; i < reading.media.size(); ++i) {
-        const QOVA_Media* const media = reading.media[i];
+    for (std::size_t i = 0; i < reading.lines.size(); ++i) {
+        const QOVA_Media* const media = reading.lines[i].media;
         const Section& section = description.sections[i + 1];
         const MediaLine parsed = media_line(section.front());
         MovableLine line = {};

@@ -142,9 +142,10 @@ struct SessionDefaults {
     sdp_mode_t mode;
 };
 
-// Reads a line of a known kind; the media is new. The result is whether the line holds the call.
-bool read_media(const SessionDefaults& defaults, const MediaLine& line, const Section& section,
-                const sdp_media_t& parsed, QOVA_Media& media, std::vector<Warning>& warnings) {
+// Reads a line of a known kind; the media is new.
+void read_media(const SessionDefaults& defaults, const MediaLine& line, const Section& section,
+                const sdp_media_t& parsed, ReadLine& to, std::vector<Warning>& warnings) {
+    QOVA_Media& media = *to.media;
     read_ports(line, section, media, warnings);
     const bool has_address =
         tolerate<HostName>(warnings, [&] { read_address(defaults.connection, section, media); });
@@ -153,7 +154,8 @@ bool read_media(const SessionDefaults& defaults, const MediaLine& line, const Se
     media.brcv = (mode & sdp_recvonly) != 0;
     if (media.mediaType == QOVA_Media::MT_AUDIO) {
         const std::optional<bool> silence = silence_suppression(section);
-        read_audio(parsed, section, silence ? silence : defaults.silence, media, warnings);
+        to.payloads =
+            read_audio(parsed, section, silence ? silence : defaults.silence, media, warnings);
     } else if (media.mediaType == QOVA_Media::MT_FAX) {
         read_fax(line.transport, section, media, warnings);
     } else if (media.mediaType == QOVA_Media::MT_VIDEO) {
@@ -164,16 +166,19 @@ bool read_media(const SessionDefaults& defaults, const MediaLine& line, const Se
     for (const Line& attribute : section) {
         if (same(attribute.name, "crypto")) {
             tolerate(warnings, [&] {
-                append(media.cryptos, read_crypto(attribute));
+                const QOVA_Crypto& crypto = append(media.cryptos, read_crypto(attribute));
                 ++media.cryptoCount;
+                if (!needs_session_parameter(attribute)) {
+                    to.cryptos.push_back(&crypto);
+                }
             });
         }
     }
     // At the discard port no candidate is known yet (RFC 8838, RFC 8840), or the line will connect
     // (RFC 4145).
     constexpr unsigned short discard_port = 9;
-    return !media.brcv ||
-           (has_address && media.address->IsAny() != 0 && media.rcvPort != discard_port);
+    to.holds = !media.brcv ||
+               (has_address && media.address->IsAny() != 0 && media.rcvPort != discard_port);
 }
 
 // By their lines, each once: several media may read the same line of the session.
@@ -191,45 +196,51 @@ void sort(std::vector<Warning>& warnings) {
 
 Reading read(const Description& description, Role role, Strictness strictness) {
     Parsed parsed = parse(description);
-    const sdp_session_t& parsed_session = *sdp_session(parsed.parser.get());
+    const std::shared_ptr<sdp_parser_t> parser = std::move(parsed.parser);
     const Section& session = description.sections.front();
+    Reading reading;
+    reading.session = {parser, sdp_session(parser.get())};
     const SessionDefaults defaults = {
         first_connection(session), silence_suppression(session),
-        sdp_attribute_mode(parsed_session.sdp_attributes, sdp_sendrecv)};
-    Reading reading;
+        sdp_attribute_mode(reading.session->sdp_attributes, sdp_sendrecv)};
+    reading.suppresses_silence = defaults.silence.value_or(false);
     reading.warnings = std::move(parsed.warnings.front());
     reading.capability = std::make_unique<QOVA_Capability>();
     QOVA_Capability& capability = *reading.capability;
     capability.offer = role == Role::OFFER;
-    capability.silenceSuppSdp = defaults.silence.value_or(false);
+    capability.silenceSuppSdp = reading.suppresses_silence;
     bool has_audio = false;
     bool is_held = true;
-    const sdp_media_t* parsed_media = parsed_session.sdp_media;
+    const sdp_media_t* parsed_media = reading.session->sdp_media;
     for (auto section = description.sections.begin() + 1; section != description.sections.end();
          ++section, parsed_media = parsed_media->m_next) {
-        if (silence_suppression(*section).value_or(false)) {
-            capability.silenceSuppSdp = true;
-        }
         const MediaLine line = media_line(section->front());
+        ReadLine& to = reading.lines.emplace_back();
+        to.number = section->front().number;
+        to.kind = line.kind;
+        to.transport = line.transport;
+        to.is_rejected = line.port == 0;
+        to.formats.assign(line.formats.begin(), line.formats.end());
+        to.suppresses_silence = silence_suppression(*section).value_or(false);
+        capability.silenceSuppSdp |= to.suppresses_silence;
         const QOVA_Media::e_MediaType kind = kind_of(line, parsed_media->m_type);
         if (kind == QOVA_Media::MT_NIL) {
             capability.passThrough += without_keys(description, *section);
-            reading.media.push_back(nullptr);
-        } else {
-            QOVA_Media& media = append(capability.filteredMedia, std::make_unique<QOVA_Media>());
-            media.mediaType = kind;
-            std::vector<Warning>& warnings =
-                parsed.warnings[static_cast<std::size_t>(section - description.sections.begin())];
-            const bool holds = read_media(defaults, line, *section, *parsed_media, media, warnings);
-            reading.media.push_back(&media);
-            if (media.mediaStatus == QOVA_Media::MS_REJECTED) {
-                continue;  // its attributes carry no meaning
-            }
-            reading.warnings.insert(reading.warnings.end(), warnings.begin(), warnings.end());
-            if (kind == QOVA_Media::MT_AUDIO) {
-                has_audio = true;
-                is_held = is_held && holds;
-            }
+            continue;
+        }
+        QOVA_Media& media = append(capability.filteredMedia, std::make_unique<QOVA_Media>());
+        media.mediaType = kind;
+        to.media = &media;
+        std::vector<Warning>& warnings =
+            parsed.warnings[static_cast<std::size_t>(section - description.sections.begin())];
+        read_media(defaults, line, *section, *parsed_media, to, warnings);
+        if (media.mediaStatus == QOVA_Media::MS_REJECTED) {
+            continue;  // its attributes carry no meaning
+        }
+        reading.warnings.insert(reading.warnings.end(), warnings.begin(), warnings.end());
+        if (kind == QOVA_Media::MT_AUDIO) {
+            has_audio = true;
+            is_held = is_held && to.holds;
         }
     }
     capability.hold = has_audio && is_held;

@@ -9,10 +9,14 @@
 #define QOVA_EXAMPLES_SDP_READER_H
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "qova/capability.h"
+#include "qova/crypto.h"
 #include "sdp_text.h"
+
+struct sdp_session_s;  // sofia-sip's
 
 namespace sdp {
 
@@ -21,11 +25,27 @@ enum class Role { OFFER, ANSWER };
 // A value that the model cannot take: it gets a warning, or the description is refused for it.
 enum class Strictness { LENIENT, STRICT };
 
-// A capability, and which line of the description each of its media comes from.
+// A media line, and what the model does not hold of it.
+struct ReadLine {
+    std::size_t number = 0;  // of its m= line
+    std::string kind;        // with the next two, what m= says but for the port, as it came
+    std::string transport;
+    std::vector<std::string> formats;
+
+    QOVA_Media* media = nullptr;  // the capability's; null: passed through
+    bool is_rejected = false;     // port 0
+    bool holds = false;           // asks to be sent nothing: by its direction, or its address
+    bool suppresses_silence = false;
+    std::vector<unsigned> payloads;           // the payload type of each audio attribute
+    std::vector<const QOVA_Crypto*> cryptos;  // the media's that need no session parameter
+};
+
 struct Reading {
     std::unique_ptr<QOVA_Capability> capability;
-    std::vector<QOVA_Media*> media;  // one for each m= line; null: passed through
-    std::vector<Warning> warnings;   // in the order of the lines; empty when STRICT
+    bool suppresses_silence = false;  // all of the session
+    std::vector<ReadLine> lines;
+    std::vector<Warning> warnings;                 // in the order of the lines; empty when STRICT
+    std::shared_ptr<const sdp_session_s> session;  // as sofia-sip's parser has it
 };
 
 // Linear in the length of the text. Throws Refusal.

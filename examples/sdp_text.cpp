@@ -257,6 +257,7 @@ MediaLine media_line(const Line& line) {
                       "the kind, the transport or a format is not made of token characters");
     }
     MediaLine media;
+    media.kind = fields[0];
     const std::vector<std::string_view> ports = split(fields[1], "/", 2);
     media.port_digits = ports[0];
     const auto port = number(media.port_digits, greatest_port);

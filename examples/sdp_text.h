@@ -112,8 +112,9 @@ public:
 // The first c= line of a section, or null.
 const Line* first_connection(const Section& section);
 
-// m=<type> <port>[/<count>] <transport> <format> ...
+// m=<kind> <port>[/<count>] <transport> <format> ...
 struct MediaLine {
+    std::string_view kind;
     std::string_view port_digits;
     unsigned long port = 0;
     unsigned long more_ports = 0;  // that follow on the first, where a count asks for them

@@ -1,10 +1,9 @@
 // The code of re-invite.md: finds out whether a re-INVITE changed something.
 
-#include <cstring>
 #include <iostream>
 #include <string>
 
-#include "netconf/sdp.h"
+#include "changes.h"
 #include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
@@ -12,80 +11,9 @@
 
 namespace {
 
-// [aside]
-// Takes a media's parameter objects out of the way for as long as it lives.
-class ParametersAside {
-public:
-    explicit ParametersAside(QOVA_Media& of) : media(of), amrwb(of.amrwbParam), opus(of.opusParam) {
-        media.amrwbParam = nullptr;
-        media.opusParam = nullptr;
-    }
-    ~ParametersAside() {
-        media.amrwbParam = amrwb;
-        media.opusParam = opus;
-    }
-    ParametersAside(const ParametersAside&) = delete;
-    ParametersAside& operator=(const ParametersAside&) = delete;
-
-private:
-    QOVA_Media& media;
-    Sdp::Sdp_Amrwb_Param* amrwb;
-    Sdp::Sdp_Opus_Param* opus;
-};
-// [aside]
-
-// [keys]
-bool same_keys(const QOVA_Crypto& left, const QOVA_Crypto& right) {
-    auto other = right.keys.begin();
-    for (const QOVA_CryptoKey& key : left.keys) {
-        if (other == right.keys.end() || std::memcmp(key.key, other->key, sizeof key.key) != 0) {
-            return false;
-        }
-        ++other;
-    }
-    return other == right.keys.end();
-}
-// [keys]
-
-// [media]
-bool same_media(QOVA_Media& left, QOVA_Media& right) {
-    // What operator== leaves out: how long the lists are, the parameters, the keys.
-    if (left.attributes.size() != right.attributes.size() ||
-        left.cryptos.size() != right.cryptos.size() ||
-        static_cast<const std::string&>(*left.amrwbParam) !=
-            static_cast<const std::string&>(*right.amrwbParam) ||
-        static_cast<const std::string&>(*left.opusParam) !=
-            static_cast<const std::string&>(*right.opusParam)) {
-        return false;
-    }
-    auto other = right.cryptos.begin();
-    for (const QOVA_Crypto* crypto : left.cryptos) {
-        if (!same_keys(*crypto, **other++)) {
-            return false;
-        }
-    }
-    const ParametersAside left_aside(left);
-    const ParametersAside right_aside(right);
-    return left == right;
-}
-// [media]
-
-// [capability]
-bool changed(QOVA_Capability& before, QOVA_Capability& now) {
-    if (before.hold != now.hold || before.silenceSuppSdp != now.silenceSuppSdp ||
-        before.passThrough != now.passThrough ||
-        before.filteredMedia.size() != now.filteredMedia.size()) {
-        return true;
-    }
-    auto other = now.filteredMedia.begin();
-    for (QOVA_Media* media : before.filteredMedia) {
-        if (!same_media(*media, **other++)) {
-            return true;
-        }
-    }
-    return false;
-}
-// [capability]
+using sdp::changed;
+using sdp::ParametersAside;
+using sdp::same_media;
 
 void report(const char* what, bool equal, bool changed) {
     std::cout << what << ": " << (equal ? "==" : "not ==") << ", "

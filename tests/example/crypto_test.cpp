@@ -51,9 +51,9 @@ TEST(SdpCrypto, BelongsToLinesOfEveryKind) {
     const sdp::Reading reading =
         reading_of(session({crypto, "m=video 5004 RTP/SAVP 31", crypto, "m=audio 0 RTP/AVP 0",
                             crypto, crypto, "m=audio 5006 RTP/AVP 0"}));
-    EXPECT_EQ(reading.media[0]->cryptoCount, 1U);
-    EXPECT_EQ(reading.media[1]->cryptoCount, 2U);
-    EXPECT_EQ(reading.media[2]->cryptoCount, 0U);
+    EXPECT_EQ(reading.lines[0].media->cryptoCount, 1U);
+    EXPECT_EQ(reading.lines[1].media->cryptoCount, 2U);
+    EXPECT_EQ(reading.lines[2].media->cryptoCount, 0U);
 }
 
 TEST(SdpCrypto, KeepsALineOfAnUnknownSuiteWithoutItsKeys) {
@@ -131,7 +131,7 @@ TEST_P(SdpBrokenCrypto, IsLeftOutAloneWithAWarningThatHasNoKey) {
     EXPECT_EQ(warnings, std::string("8: a=crypto") + GetParam().message);
     EXPECT_EQ(warnings.find("AAEC"), std::string::npos);
     const sdp::Reading reading = reading_of(text);
-    const QOVA_Media& media = *reading.media[0];
+    const QOVA_Media& media = *reading.lines[0].media;
     EXPECT_EQ(media.cryptoCount, 2U);
     ASSERT_EQ(media.cryptos.size(), 2U);
     EXPECT_EQ(media.cryptos.front()->tag, 1U);

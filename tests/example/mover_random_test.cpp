@@ -140,17 +140,19 @@ TEST(SdpMoveOfAnyDescription, LeavesATextThatReadsAsTheMovedModel) {
         // The model moves unspecified addresses too; the text keeps them.
         before.capability->setPublicAddrPort(UDPAddr(address, 0), to_public.audio_port,
                                              to_public.fax_port);
-        ASSERT_EQ(before.media.size(), after.media.size());
-        for (std::size_t k = 0; k < before.media.size(); ++k) {
-            ASSERT_EQ(before.media[k] == nullptr, after.media[k] == nullptr);
-            if (before.media[k] == nullptr) {
+        ASSERT_EQ(before.lines.size(), after.lines.size());
+        for (std::size_t k = 0; k < before.lines.size(); ++k) {
+            QOVA_Media* const moved = before.lines[k].media;
+            const QOVA_Media* const reread = after.lines[k].media;
+            ASSERT_EQ(moved == nullptr, reread == nullptr);
+            if (moved == nullptr) {
                 continue;
             }
-            if (after.media[k]->address->IsAny() != 0) {
-                delete before.media[k]->address;
-                before.media[k]->address = after.media[k]->address->Copy();
+            if (reread->address->IsAny() != 0) {
+                delete moved->address;
+                moved->address = reread->address->Copy();
             }
-            ASSERT_EQ(std::string(*before.media[k]), std::string(*after.media[k])) << text;
+            ASSERT_EQ(std::string(*moved), std::string(*reread)) << text;
             ++compared;
         }
     }

@@ -22,10 +22,10 @@ TEST(SdpReader, TakesTheRoleFromItsCaller) {
 TEST(SdpReader, KeepsTheOrderOfTheLinesAndSaysWhichMediaIsWhose) {
     const sdp::Reading reading = reading_of(
         session({"m=audio 5004 RTP/AVP 0", "m=text 7 TCP *", "m=video 5006 RTP/AVP 31"}));
-    ASSERT_EQ(reading.media.size(), 3U);
-    EXPECT_EQ(reading.media[0], reading.capability->filteredMedia.front());
-    EXPECT_EQ(reading.media[1], nullptr);
-    EXPECT_EQ(reading.media[2], reading.capability->filteredMedia.back());
+    ASSERT_EQ(reading.lines.size(), 3U);
+    EXPECT_EQ(reading.lines[0].media, reading.capability->filteredMedia.front());
+    EXPECT_EQ(reading.lines[1].media, nullptr);
+    EXPECT_EQ(reading.lines[2].media, reading.capability->filteredMedia.back());
 }
 
 TEST(SdpReader, AcceptsEveryLineEnding) {
@@ -44,14 +44,14 @@ TEST(SdpReader, AcceptsEveryLineEnding) {
 TEST(SdpReader, AcceptsATextWithoutFinalLineEnding) {
     const sdp::Reading reading =
         reading_of("v=0\no=- 1 1 IN IP4 10.0.0.1\nc=IN IP4 10.0.0.1\nm=audio 5004 RTP/AVP 0");
-    EXPECT_EQ(codecs(*reading.media[0]), std::vector<int>{CODEC_G711_ULAW});
+    EXPECT_EQ(codecs(*reading.lines[0].media), std::vector<int>{CODEC_G711_ULAW});
 }
 
 TEST(SdpReader, PassesOverBlankLinesAndLeadingBlanks) {
     const sdp::Reading reading = reading_of(
         session({"m=audio 5004 RTP/AVP 0", "", " \t", "  a=ptime:20", "\ta=maxptime:40"}));
-    EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading.media[0]).framing, 20);
-    EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading.media[0]).mxFraming, 40);
+    EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading.lines[0].media).framing, 20);
+    EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading.lines[0].media).mxFraming, 40);
 }
 
 struct Direction {
@@ -150,11 +150,11 @@ TEST_P(SdpKinds, FollowTheMediaLine) {
         return;
     }
     EXPECT_EQ(reading.capability->passThrough, "");
-    ASSERT_NE(reading.media[0], nullptr);
-    EXPECT_EQ(reading.media[0]->mediaType, type);
-    EXPECT_EQ(reading.media[0]->mediaStatus, QOVA_Media::MS_ACCEPTED);
-    EXPECT_EQ(reading.media[0]->attributes.size(), 1U);
-    EXPECT_NE(reading.media[0]->find(attribute_type, QOVA_Media::MS_ACCEPTED), nullptr);
+    ASSERT_NE(reading.lines[0].media, nullptr);
+    EXPECT_EQ(reading.lines[0].media->mediaType, type);
+    EXPECT_EQ(reading.lines[0].media->mediaStatus, QOVA_Media::MS_ACCEPTED);
+    EXPECT_EQ(reading.lines[0].media->attributes.size(), 1U);
+    EXPECT_NE(reading.lines[0].media->find(attribute_type, QOVA_Media::MS_ACCEPTED), nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -231,7 +231,7 @@ TEST(SdpMedia, HasTheRtcpPortAsItsSecondPort) {
 
 TEST(SdpMedia, HasItsOwnAddressElseTheSessions) {
     const auto address = [](std::initializer_list<std::string> media) {
-        return reading_of(session(media)).media[0]->address->ToString();
+        return reading_of(session(media)).lines[0].media->address->ToString();
     };
     const std::string audio = "m=audio 5004 RTP/AVP 0";
     EXPECT_EQ(address({audio}), "10.0.0.1");
@@ -246,7 +246,7 @@ TEST(SdpMedia, MayLackAnAddressWhenRejectedOrPassedThrough) {
     const std::string head = lines({"v=0", "o=- 1 1 IN IP4 host.example.com", "s=-"});
     const sdp::Reading reading =
         reading_of(head + lines({"m=audio 0 RTP/AVP 0", "m=text 5004 RTP/AVP 98"}));
-    EXPECT_EQ(reading.media[0]->address->ToString(), "0.0.0.0");
+    EXPECT_EQ(reading.lines[0].media->address->ToString(), "0.0.0.0");
     EXPECT_EQ(refusal_of(head + lines({"m=audio 5004 RTP/AVP 0"})),
               "4: no c= line gives this media an address");
 }

@@ -47,9 +47,9 @@ TEST(SdpWarnings, OfAHostNameWhoseAddressStaysUnspecifiedAndDoesNotHold) {
             session({"m=audio 5004 RTP/AVP 8", std::string("c=IN IP4 ") + host});
         EXPECT_EQ(warnings_of(text), "7: host names are not looked up");
         const sdp::Reading reading = reading_of(text);
-        EXPECT_EQ(reading.media[0]->address->ToString(), "0.0.0.0");
-        EXPECT_EQ(reading.media[0]->rcvPort, 5004);
-        EXPECT_EQ(codecs(*reading.media[0]), std::vector<int>{CODEC_G711_ALAW});
+        EXPECT_EQ(reading.lines[0].media->address->ToString(), "0.0.0.0");
+        EXPECT_EQ(reading.lines[0].media->rcvPort, 5004);
+        EXPECT_EQ(codecs(*reading.lines[0].media), std::vector<int>{CODEC_G711_ALAW});
         EXPECT_FALSE(reading.capability->hold);
     }
     EXPECT_TRUE(
@@ -226,7 +226,7 @@ TEST(SdpWarnings, OfLinesThatTheParserRefusesLeaveTheOthers) {
         const std::string text = session({"m=audio 5004 RTP/AVP 0", line, "a=ptime:20", "b=AS:64"});
         EXPECT_EQ(warnings_of(text),
                   std::string("7: the SDP parser refuses this ") + line[0] + "= line");
-        EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading_of(text).media[0]).framing, 20);
+        EXPECT_EQ(attribute<QOVA_AudioAttribute>(*reading_of(text).lines[0].media).framing, 20);
     }
     for (const std::string line : {"t=x", "r=1", "z=0", "b=AS", "k=", "a=:"}) {
         EXPECT_EQ(warnings_of(session({line, "m=audio 5004 RTP/AVP 0", "a=ptime:20"})),

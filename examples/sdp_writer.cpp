@@ -28,6 +28,17 @@ const char* copy_of(const Home& home, const std::string& text) {
     return copy != nullptr ? copy : throw std::bad_alloc();
 }
 
+// One of sofia-sip's records, which hold their size.
+template <class Record>
+Record* make(const Home& home, int Record::*size) {
+    auto* const record = static_cast<Record*>(su_zalloc(home.get(), sizeof(Record)));
+    if (record == nullptr) {
+        throw std::bad_alloc();
+    }
+    record->*size = sizeof(Record);
+    return record;
+}
+
 // Takes those out of a list for which it is so.
 template <class Element, class Test>
 void remove_if(Element*& first, Element* Element::*next, Test test) {
@@ -61,67 +72,56 @@ std::string fmtp_of(const Section& section, unsigned payload) {
     return parameters;
 }
 
-// How an answer writes one line of its offer.
-class MediaWriter {
-public:
-    MediaWriter(const Home& home_of, const ReadLine& read, sdp_media_t& written)
-        : home(home_of), line(read), media(written) {
-        // By name, as the parser knows few transports, and some by another name.
-        media.m_type = sdp_media_x;
-        media.m_type_name = copy_of(home, line.kind);
-        media.m_proto = sdp_proto_x;
-        media.m_proto_name = copy_of(home, line.transport);
-        media.m_number_of_ports = 0;
-        media.m_information = nullptr;
-        media.m_connections = nullptr;
-        media.m_bandwidths = nullptr;
-        media.m_key = nullptr;
-    }
+// What is true of every line of an answer.
+void begin(const Home& home, const ReadLine& line, sdp_media_t& media) {
+    // By name, as the parser knows few transports, and some by another name.
+    media.m_type = sdp_media_x;
+    media.m_type_name = copy_of(home, line.kind);
+    media.m_proto = sdp_proto_x;
+    media.m_proto_name = copy_of(home, line.transport);
+    media.m_number_of_ports = 0;
+    media.m_information = nullptr;
+    media.m_connections = nullptr;
+    media.m_bandwidths = nullptr;
+    media.m_key = nullptr;
+}
 
-    void reject() {
-        media.m_port = 0;
-        media.m_mode = sdp_sendrecv;
-        media.m_rtpmaps = nullptr;
-        media.m_attributes = nullptr;
-        format = {sizeof format, nullptr,
-                  copy_of(home, line.formats.empty() ? "0" : line.formats.front())};
-        media.m_format = &format;
-    }
+void reject(const Home& home, const ReadLine& line, sdp_media_t& media) {
+    media.m_port = 0;
+    media.m_mode = sdp_sendrecv;
+    media.m_rtpmaps = nullptr;
+    media.m_attributes = nullptr;
+    media.m_format = make<sdp_list_t>(home, &sdp_list_t::l_size);
+    media.m_format->l_text = copy_of(home, line.formats.empty() ? "0" : line.formats.front());
+}
 
-    void accept(const Section& section, const QOVA_Media& answer,
-                const std::vector<unsigned>& payloads) {
-        media.m_port = answer.rcvPort;
-        media.m_mode = answer.bsnd   ? answer.brcv ? sdp_sendrecv : sdp_sendonly
-                       : answer.brcv ? sdp_recvonly
-                                     : sdp_inactive;
-        remove_if(media.m_rtpmaps, &sdp_rtpmap_t::rm_next, [&](const sdp_rtpmap_t& payload) {
-            return std::find(payloads.begin(), payloads.end(), payload.rm_pt) == payloads.end();
-        });
-        for (sdp_rtpmap_t* map = media.m_rtpmaps; map != nullptr; map = map->rm_next) {
-            const unsigned type = map->rm_pt;  // once each
-            remove_if(map->rm_next, &sdp_rtpmap_t::rm_next,
-                      [type](const sdp_rtpmap_t& other) { return other.rm_pt == type; });
-            const std::string fmtp = fmtp_of(section, type);
-            map->rm_fmtp = fmtp.empty() ? nullptr : copy_of(home, fmtp);
-        }
-        remove_if(media.m_attributes, &sdp_attribute_t::a_next,
-                  [&](const sdp_attribute_t& attribute) {
-                      return !stays(answer.mediaType, attribute.a_name);
-                  });
-        if (!answer.cryptos.empty()) {
-            crypto = {sizeof crypto, media.m_attributes, "crypto",
-                      copy_of(home, crypto_value(*answer.cryptos.front()))};
-            media.m_attributes = &crypto;
-        }
+void accept(const Home& home, const Section& section, const QOVA_Media& answer,
+            const std::vector<unsigned>& payloads, sdp_media_t& media) {
+    media.m_port = answer.rcvPort;
+    media.m_mode = answer.bsnd   ? answer.brcv ? sdp_sendrecv : sdp_sendonly
+                   : answer.brcv ? sdp_recvonly
+                                 : sdp_inactive;
+    remove_if(media.m_rtpmaps, &sdp_rtpmap_t::rm_next, [&](const sdp_rtpmap_t& map) {
+        return std::find(payloads.begin(), payloads.end(), map.rm_pt) == payloads.end();
+    });
+    for (sdp_rtpmap_t* map = media.m_rtpmaps; map != nullptr; map = map->rm_next) {
+        const unsigned payload = map->rm_pt;  // once each
+        remove_if(map->rm_next, &sdp_rtpmap_t::rm_next,
+                  [payload](const sdp_rtpmap_t& other) { return other.rm_pt == payload; });
+        const std::string fmtp = fmtp_of(section, payload);
+        map->rm_fmtp = fmtp.empty() ? nullptr : copy_of(home, fmtp);
     }
-
-private:
-    const Home& home;
-    const ReadLine& line;
-    sdp_media_t& media;
-    sdp_list_t format = {};
-    sdp_attribute_t crypto = {};
-};
+    remove_if(media.m_attributes, &sdp_attribute_t::a_next, [&](const sdp_attribute_t& attribute) {
+        return !stays(answer.mediaType, attribute.a_name);
+    });
+    if (!answer.cryptos.empty()) {
+        auto* const crypto = make<sdp_attribute_t>(home, &sdp_attribute_t::a_size);
+        crypto->a_name = "crypto";
+        crypto->a_value = copy_of(home, crypto_value(*answer.cryptos.front()));
+        crypto->a_next = media.m_attributes;
+        media.m_attributes = crypto;
+    }
+}
 
 }  // namespace
 
@@ -138,19 +138,20 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
     if (session == nullptr) {
         throw std::bad_alloc();
     }
-    sdp_connection_t connection = {};
-    connection.c_size = sizeof connection;
-    connection.c_nettype = sdp_net_in;
-    connection.c_addrtype = address.Size() == 4 ? sdp_addr_ip4 : sdp_addr_ip6;
-    connection.c_address = copy_of(home, address.ToString());
-    sdp_origin_t own = {sizeof own, "-", origin.id, origin.version, &connection};
-    session->sdp_origin = &own;
+    auto* const connection = make<sdp_connection_t>(home, &sdp_connection_t::c_size);
+    connection->c_nettype = sdp_net_in;
+    connection->c_addrtype = address.Size() == 4 ? sdp_addr_ip4 : sdp_addr_ip6;
+    connection->c_address = copy_of(home, address.ToString());
+    session->sdp_origin->o_username = "-";
+    session->sdp_origin->o_id = origin.id;
+    session->sdp_origin->o_version = origin.version;
+    session->sdp_origin->o_address = connection;
     session->sdp_subject = "-";
     session->sdp_information = nullptr;
     session->sdp_uri = nullptr;
     session->sdp_emails = nullptr;
     session->sdp_phones = nullptr;
-    session->sdp_connection = &connection;
+    session->sdp_connection = connection;
     session->sdp_bandwidths = nullptr;
     session->sdp_key = nullptr;
     session->sdp_charset = nullptr;
@@ -158,17 +159,16 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
         session->sdp_attributes, &sdp_attribute_t::a_next,
         [](const sdp_attribute_t& attribute) { return !same(attribute.a_name, "silenceSupp"); });
 
-    std::list<MediaWriter> writers;  // what they write lives as long as they do
     sdp_media_t* media = session->sdp_media;
     auto answered = answer.filteredMedia.begin();
     for (std::size_t i = 0; i < reading.lines.size(); ++i, media = media->m_next) {
         const ReadLine& line = reading.lines[i];
-        MediaWriter& writer = writers.emplace_back(home, line, *media);
-        const QOVA_Media* const own_media = line.media == nullptr ? nullptr : *answered++;
-        if (own_media == nullptr || own_media->mediaStatus == QOVA_Media::MS_REJECTED) {
-            writer.reject();
+        const QOVA_Media* const own = line.media == nullptr ? nullptr : *answered++;
+        begin(home, line, *media);
+        if (own == nullptr || own->mediaStatus == QOVA_Media::MS_REJECTED) {
+            reject(home, line, *media);
         } else {
-            writer.accept(offer.sections[i + 1], *own_media, payloads[i]);
+            accept(home, offer.sections[i + 1], *own, payloads[i], *media);
         }
     }
     struct FreePrinter {

@@ -29,7 +29,9 @@ std::string everything(const IPAddress& address) {
 }
 
 std::string entry(const char* name, const QOVA_Capability& capability) {
-    return std::string(name).append(": ").append(static_cast<const std::string&>(capability));
+    std::string text = std::string(name).append(": ");
+    text += static_cast<const std::string&>(capability);
+    return text.back() == '\n' ? text : text + '\n';
 }
 
 std::string change_entry(const char* since, bool changed) {

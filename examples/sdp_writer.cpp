@@ -147,6 +147,9 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
     session->sdp_origin->o_version = origin.version;
     session->sdp_origin->o_address = connection;
     session->sdp_subject = "-";
+    if (session->sdp_time == nullptr) {
+        session->sdp_time = make<sdp_time_t>(home, &sdp_time_t::t_size);  // without bounds
+    }
     session->sdp_information = nullptr;
     session->sdp_uri = nullptr;
     session->sdp_emails = nullptr;

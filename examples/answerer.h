@@ -3,11 +3,10 @@
 // The answer has the lines of the offer in its order. What a policy accepts:
 //
 // - audio over RTP/AVP or RTP/AVPF, with those of its codecs that are offered, in the offer's
-// order,
-//   and their tone events;
+//   order, and their tone events;
 // - the same over RTP/SAVP or RTP/SAVPF with the first crypto line whose suite it has and that
-// needs no session
-//   parameter (RFC 4568): the answer keeps its tag and suite, and has a key of its own;
+//   needs no session parameter (RFC 4568): the answer keeps its tag and suite, and has a key of its
+//   own;
 // - T.38 over UDPTL.
 //
 // At an address of another family or of a multicast group nothing is accepted. Sendonly is answered

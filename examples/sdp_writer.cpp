@@ -60,6 +60,28 @@ bool stays(QOVA_Media::e_MediaType kind, std::string_view name) {
     return same(name, "ptime") || same(name, "maxptime") || same(name, "silenceSupp");
 }
 
+sdp_attribute_t* new_attribute(const Home& home, const std::string& name, const std::string& value,
+                               sdp_attribute_t* next) {
+    auto* const attribute = make<sdp_attribute_t>(home, &sdp_attribute_t::a_size);
+    attribute->a_name = copy_of(home, name);
+    attribute->a_value = value.empty() ? nullptr : copy_of(home, value);
+    attribute->a_next = next;
+    return attribute;
+}
+
+// The attributes of a section whose names stay, from its own lines: the parser reads some names
+// otherwise.
+template <class Test>
+sdp_attribute_t* attributes_of(const Home& home, const Section& section, Test stays) {
+    sdp_attribute_t* first = nullptr;
+    for (auto line = section.rbegin(); line != section.rend(); ++line) {
+        if (line->type == 'a' && stays(line->name)) {
+            first = new_attribute(home, std::string(line->name), std::string(line->value), first);
+        }
+    }
+    return first;
+}
+
 // The fmtp lines of a payload as one, since the parser keeps the last.
 std::string fmtp_of(const Section& section, unsigned payload) {
     std::string parameters;
@@ -111,15 +133,11 @@ void accept(const Home& home, const Section& section, const QOVA_Media& answer,
         const std::string fmtp = fmtp_of(section, payload);
         map->rm_fmtp = fmtp.empty() ? nullptr : copy_of(home, fmtp);
     }
-    remove_if(media.m_attributes, &sdp_attribute_t::a_next, [&](const sdp_attribute_t& attribute) {
-        return !stays(answer.mediaType, attribute.a_name);
-    });
+    media.m_attributes = attributes_of(
+        home, section, [&](std::string_view name) { return stays(answer.mediaType, name); });
     if (!answer.cryptos.empty()) {
-        auto* const crypto = make<sdp_attribute_t>(home, &sdp_attribute_t::a_size);
-        crypto->a_name = "crypto";
-        crypto->a_value = copy_of(home, crypto_value(*answer.cryptos.front()));
-        crypto->a_next = media.m_attributes;
-        media.m_attributes = crypto;
+        media.m_attributes = new_attribute(home, "crypto", crypto_value(*answer.cryptos.front()),
+                                           media.m_attributes);
     }
 }
 
@@ -158,9 +176,9 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
     session->sdp_bandwidths = nullptr;
     session->sdp_key = nullptr;
     session->sdp_charset = nullptr;
-    remove_if(
-        session->sdp_attributes, &sdp_attribute_t::a_next,
-        [](const sdp_attribute_t& attribute) { return !same(attribute.a_name, "silenceSupp"); });
+    session->sdp_attributes =
+        attributes_of(home, offer.sections.front(),
+                      [](std::string_view name) { return same(name, "silenceSupp"); });
 
     sdp_media_t* media = session->sdp_media;
     auto answered = answer.filteredMedia.begin();

@@ -1,6 +1,7 @@
-// libFuzzer's entry to the example's reader and mover: every refusal and warning has a message that
-// names a line of the description, a strict reading refuses for the first warning, what is accepted
-// can be moved and read again, and the way back restores it.
+// libFuzzer's entry to the example's reader, mover and answerer: every refusal and warning has a
+// message that names a line of the description, a strict reading refuses for the first warning,
+// what is accepted can be moved and read again, and the way back restores it. An answer reads as
+// what was answered, line by line, and a side that goes on from it gives the same once more.
 
 #include <algorithm>
 #include <cstdint>
@@ -9,6 +10,8 @@
 #include <optional>
 #include <string>
 
+#include "call_side.h"
+#include "qova/media.h"
 #include "sdp_mover.h"
 #include "sdp_reader.h"
 
@@ -18,12 +21,15 @@ unsigned long long read_count = 0;
 unsigned long long strict_count = 0;
 unsigned long long moved_count = 0;
 unsigned long long restored_count = 0;
+unsigned long long answered_count = 0;
+unsigned long long accepted_count = 0;
 
 void print_counts() {
     std::fprintf(stderr,
                  "sdp_fuzzer: %llu descriptions read, %llu of them strictly, %llu moves, %llu of "
-                 "them undone\n",
-                 read_count, strict_count, moved_count, restored_count);
+                 "them undone, %llu answers, %llu of them with something in common\n",
+                 read_count, strict_count, moved_count, restored_count, answered_count,
+                 accepted_count);
 }
 
 [[noreturn]] void fail(const std::string& what, const std::string& text) {
@@ -140,6 +146,63 @@ void check_move(const std::string& text, const std::string& log, const sdp::Plan
     check_way_back(text, plan, *moved);
 }
 
+// A side of a call whose random bytes are the same in every run.
+sdp::CallSide side_at(const char* address, bool has_plan) {
+    sdp::Policy policy;
+    IPAddress::Parse(address, policy.address);
+    policy.random = [next = 0U](unsigned char* to, std::size_t size) mutable {
+        std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next += 7); });
+    };
+    std::optional<sdp::PublicPlan> plan;
+    if (has_plan) {
+        plan = {policy.address, 40000, 7000};
+        IPAddress::Parse("203.0.113.9", plan->address);
+    }
+    return sdp::CallSide(policy, plan);
+}
+
+void check_answer_lines(const sdp::Reading& offer, const std::string& answer,
+                        const std::string& text) {
+    const auto strictness =
+        offer.warnings.empty() ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
+    const auto reading = read(answer, sdp::Role::ANSWER, strictness);
+    if (!reading) {
+        fail("the answer is refused:\n" + answer + "to", text);
+    }
+    if (!std::equal(offer.lines.begin(), offer.lines.end(), reading->lines.begin(),
+                    reading->lines.end(), [](const auto& offered, const auto& answered) {
+                        return offered.kind == answered.kind &&
+                               offered.transport == answered.transport &&
+                               (offered.media == nullptr) == (answered.media == nullptr) &&
+                               (offered.media == nullptr ||
+                                offered.media->mediaType == answered.media->mediaType);
+                    })) {
+        fail("the answer has other lines:\n" + answer + "to", text);
+    }
+}
+
+void check_answer(const sdp::Reading& offer, const std::string& text, const char* address,
+                  bool has_plan) {
+    const auto lenient = sdp::Strictness::LENIENT;
+    sdp::CallSide side = side_at(address, has_plan);
+    const auto first = unless_refused(text, [&] { return side.answer(text, lenient); });
+    if (!first) {
+        fail("no answer", text);
+    }
+    ++answered_count;
+    accepted_count += first->has_common ? 1 : 0;
+    check_answer_lines(offer, first->text, text);
+    sdp::CallSide later = side_at(address, has_plan);
+    later.resume(first->text);
+    const sdp::Reply again = later.answer(text, lenient);
+    if (again.changed != false) {
+        fail("the answer reads otherwise:\n" + first->text + again.log + "to", text);
+    }
+    if (again.text != first->text) {
+        fail("the same is answered with another text:\n" + first->text + again.text + "to", text);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
@@ -166,6 +229,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                             sdp::Strictness::STRICT}}) {
                 check_move(text, log, plan);
             }
+            check_answer(*reading, text, "10.0.0.1", false);
+            check_answer(*reading, text, "10.0.0.1", true);
+            check_answer(*reading, text, "2001:db8::1", false);
         }
     }
     return 0;

@@ -94,6 +94,21 @@ std::string fmtp_of(const Section& section, unsigned payload) {
     return parameters;
 }
 
+// The session's times as they came, unless they are broken: the printer knows but one.
+std::string times_of(const Section& session, const std::vector<Warning>& warnings) {
+    std::string times;
+    for (const Line& line : session) {
+        const auto warning = std::lower_bound(
+            warnings.begin(), warnings.end(), line.number,
+            [](const Warning& candidate, std::size_t number) { return candidate.line < number; });
+        const bool is_broken = warning != warnings.end() && warning->line == line.number;
+        if (!is_broken && std::string_view("trz").find(line.type) != std::string_view::npos) {
+            times.append(1, line.type).append("=").append(line.value).append("\r\n");
+        }
+    }
+    return times.substr(0, 2) == "t=" ? times : "t=0 0\r\n";
+}
+
 // What is true of every line of an answer.
 void begin(const Home& home, const ReadLine& line, sdp_media_t& media) {
     // By name, as the parser knows few transports, and some by another name.
@@ -165,9 +180,7 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
     session->sdp_origin->o_version = origin.version;
     session->sdp_origin->o_address = connection;
     session->sdp_subject = "-";
-    if (session->sdp_time == nullptr) {
-        session->sdp_time = make<sdp_time_t>(home, &sdp_time_t::t_size);  // without bounds
-    }
+    session->sdp_time = nullptr;
     session->sdp_information = nullptr;
     session->sdp_uri = nullptr;
     session->sdp_emails = nullptr;
@@ -200,7 +213,10 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
     if (const char* const error = sdp_printing_error(printer.get())) {
         throw std::runtime_error(std::string("sofia-sip cannot print the answer: ") + error);
     }
-    return sdp_message(printer.get());
+    std::string text = sdp_message(printer.get());
+    const std::size_t after_connection = text.find("\r\n", text.find("\r\nc=") + 2) + 2;
+    text.insert(after_connection, times_of(offer.sections.front(), reading.warnings));
+    return text;
 }
 
 }  // namespace sdp

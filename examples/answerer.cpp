@@ -204,7 +204,7 @@ Answer answer(const Reading& offer, const Policy& policy) {
                 media = accepted(line, policy, earlier, payloads);
             })) {
             answer.accepts = true;
-            capability.silenceSuppSdp |= line.suppresses_silence;
+            capability.silenceSuppSdp |= kind == QOVA_Media::MT_AUDIO && line.suppresses_silence;
         } else {
             payloads.clear();
             media = rejected(kind);

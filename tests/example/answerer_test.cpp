@@ -280,7 +280,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row<Media>{"OfALineThatWasRejected",
                    {"m=audio 0 RTP/AVP 8", "a=silenceSupp:on - - - -", "m=audio 5 RTP/AVP 8"},
                    "no"},
-        Row<Media>{"OfVideo", {"m=video 5 RTP/AVP 31", "a=silenceSupp:on - - - -"}, "no"}),
+        Row<Media>{"OfVideo", {"m=video 5 RTP/AVP 31", "a=silenceSupp:on - - - -"}, "no"},
+        Row<Media>{"OfFax", {"m=image 5 udptl t38", "a=silenceSupp:on - - - -"}, "no"}),
     name_of_row);
 
 // --- Keys ----------------------------------------------------------------------------------------

@@ -66,6 +66,8 @@ void CallSide::resume(const std::string& sent) {
     origin = origin_of(reading);
     last_sent = sent;
     last_sent_capability = std::move(reading.capability);
+    last_offer.clear();
+    last_offered.reset();
 }
 
 CallSide::Draft CallSide::draft(const Description& description, const Reading& reading) const {

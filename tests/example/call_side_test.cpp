@@ -182,6 +182,14 @@ TEST(CallSide, GoesOnFromAnyVersion) {
     EXPECT_EQ(text.substr(5, text.find("\r\n", 5) - 5), "o=- 99 42 IN IP4 192.0.2.1");
 }
 
+TEST(CallSide, ForgetsTheLastOfferWhenItGoesOnFromSomethingElse) {
+    sdp::CallSide side(policy_at());
+    answer(side, audio);
+    side.resume(lines({"v=0", "o=- 99 41 IN IP4 192.0.2.1", "s=-", "c=IN IP4 192.0.2.1", "t=0 0",
+                       "m=audio 0 RTP/AVP 8"}));
+    EXPECT_EQ(answer(side, audio).changed, true);
+}
+
 // --- Its own offers ------------------------------------------------------------------------------
 
 TEST(CallSide, OffersAllThatItsPolicyHas) {

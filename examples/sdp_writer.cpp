@@ -109,6 +109,16 @@ std::string times_of(const Section& session, const std::vector<Warning>& warning
     return times.substr(0, 2) == "t=" ? times : "t=0 0\r\n";
 }
 
+// The format that stands for a line: of fax the one that makes it fax, else the first.
+std::string format_of(const ReadLine& line) {
+    const auto t38 =
+        line.media == nullptr || line.media->mediaType != QOVA_Media::MT_FAX
+            ? line.formats.end()
+            : std::find_if(line.formats.begin(), line.formats.end(),
+                           [](const std::string& format) { return same(format, "t38"); });
+    return t38 != line.formats.end() ? *t38 : line.formats.empty() ? "0" : line.formats.front();
+}
+
 // What is true of every line of an answer.
 void begin(const Home& home, const ReadLine& line, sdp_media_t& media) {
     // By name, as the parser knows few transports, and some by another name.
@@ -121,15 +131,15 @@ void begin(const Home& home, const ReadLine& line, sdp_media_t& media) {
     media.m_connections = nullptr;
     media.m_bandwidths = nullptr;
     media.m_key = nullptr;
+    media.m_format = make<sdp_list_t>(home, &sdp_list_t::l_size);  // where there are no payloads
+    media.m_format->l_text = copy_of(home, format_of(line));
 }
 
-void reject(const Home& home, const ReadLine& line, sdp_media_t& media) {
+void reject(sdp_media_t& media) {
     media.m_port = 0;
     media.m_mode = sdp_sendrecv;
     media.m_rtpmaps = nullptr;
     media.m_attributes = nullptr;
-    media.m_format = make<sdp_list_t>(home, &sdp_list_t::l_size);
-    media.m_format->l_text = copy_of(home, line.formats.empty() ? "0" : line.formats.front());
 }
 
 void accept(const Home& home, const Section& section, const QOVA_Media& answer,
@@ -200,7 +210,7 @@ std::string write(const Description& offer, const Reading& reading, const QOVA_C
         const QOVA_Media* const own = line.media == nullptr ? nullptr : *answered++;
         begin(home, line, *media);
         if (own == nullptr || own->mediaStatus == QOVA_Media::MS_REJECTED) {
-            reject(home, line, *media);
+            reject(*media);
         } else {
             accept(home, offer.sections[i + 1], *own, payloads[i], *media);
         }

@@ -80,6 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
                    "a=T38FaxFillBitRemoval\r\na=T38FaxTranscodingMMR:0\r\n"
                    "a=T38FaxRateManagement:transferredTCF\r\na=T38FaxMaxBuffer:260\r\n"
                    "a=T38FaxMaxDatagram:316\r\na=T38FaxUdpEC:t38UDPRedundancy\r\n"},
+        Row<Media>{"FaxOfSeveralFormats",
+                   {"m=image 5004 udptl foo T38 bar", "m=image 5006 tcp foo t38"},
+                   "m=image 6666 udptl T38\r\nm=image 0 tcp t38\r\n"},
         Row<Media>{"SendOnly",
                    {"m=audio 5004 RTP/AVP 8", "a=sendonly"},
                    "m=audio 32000 RTP/AVP 8\r\na=recvonly\r\n"},

@@ -83,12 +83,14 @@ sdp_attribute_t* attributes_of(const Home& home, const Section& section, Test st
 }
 
 // The fmtp lines of a payload as one, since the parser keeps the last.
-std::string fmtp_of(const Section& section, unsigned payload) {
+std::string fmtp_of(const Section& section, const sdp_rtpmap_t& payload) {
+    const char* const separator = same(text_of(payload.rm_encoding), "telephone-event") ? "," : ";";
     std::string parameters;
     for (const Line& line : section) {
         const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-        if (same(line.name, "fmtp") && fields.size() == 2 && number(fields[0], 127) == payload) {
-            parameters.append(parameters.empty() ? "" : ";").append(trimmed(fields[1]));
+        if (same(line.name, "fmtp") && fields.size() == 2 &&
+            number(fields[0], 127) == payload.rm_pt) {
+            parameters.append(parameters.empty() ? "" : separator).append(trimmed(fields[1]));
         }
     }
     return parameters;
@@ -155,7 +157,7 @@ void accept(const Home& home, const Section& section, const QOVA_Media& answer,
         const unsigned payload = map->rm_pt;  // once each
         remove_if(map->rm_next, &sdp_rtpmap_t::rm_next,
                   [payload](const sdp_rtpmap_t& other) { return other.rm_pt == payload; });
-        const std::string fmtp = fmtp_of(section, payload);
+        const std::string fmtp = fmtp_of(section, *map);
         map->rm_fmtp = fmtp.empty() ? nullptr : copy_of(home, fmtp);
     }
     media.m_attributes = attributes_of(

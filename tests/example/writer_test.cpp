@@ -83,6 +83,11 @@ INSTANTIATE_TEST_SUITE_P(
         Row<Media>{"FaxOfSeveralFormats",
                    {"m=image 5004 udptl foo T38 bar", "m=image 5006 tcp foo t38"},
                    "m=image 6666 udptl T38\r\nm=image 0 tcp t38\r\n"},
+        Row<Media>{"ToneEventsOfSeveralLines",
+                   {"m=audio 5004 RTP/AVP 8 101", "a=rtpmap:101 telephone-event/8000",
+                    "a=fmtp:101 0-11", "a=fmtp:101 16"},
+                   "m=audio 32000 RTP/AVP 8 101\r\na=rtpmap:101 telephone-event/8000\r\n"
+                   "a=fmtp:101 0-11,16\r\n"},
         Row<Media>{"SendOnly",
                    {"m=audio 5004 RTP/AVP 8", "a=sendonly"},
                    "m=audio 32000 RTP/AVP 8\r\na=recvonly\r\n"},

@@ -175,12 +175,20 @@ bool needs_session_parameter(const Line& line) {
            });
 }
 
-std::string crypto_value(const QOVA_Crypto& crypto) {
+std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer) {
+    std::string suite = Sdp::CryptoParser::enumToAlgo(crypto.algo);
+    for (const Line& line : offer) {
+        const std::vector<std::string_view> fields = tokens(line.value);
+        if (same(line.name, "crypto") && fields.size() > 2 && suite_of(fields[1]) == crypto.algo &&
+            number(fields[0], UINT_MAX) == crypto.tag) {
+            suite = fields[1];
+            break;
+        }
+    }
     char text[2 * sizeof QOVA_CryptoKey::key];
     base64_e(text, sizeof text, const_cast<unsigned char*>(crypto.keys.front().key),
              static_cast<isize_t>(key_size(crypto.algo)));
-    return std::to_string(crypto.tag) + " " + Sdp::CryptoParser::enumToAlgo(crypto.algo) + " " +
-           std::string(method) + text;
+    return std::to_string(crypto.tag) + " " + suite + " " + std::string(method) + text;
 }
 
 std::size_t key_size(g_crypto_suite suite) {

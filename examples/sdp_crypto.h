@@ -17,8 +17,9 @@ std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line);
 // Whether an a=crypto line may be accepted only by who understands one of its session parameters.
 bool needs_session_parameter(const Line& line);
 
-// The value of an a=crypto line that has one key.
-std::string crypto_value(const QOVA_Crypto& crypto);
+// The value of an a=crypto line that has one key, and whose suite has the name that an offer gives
+// it: its letter case, and how it transposes it, are its own.
+std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer);
 
 // Master key and salt of a suite, in bytes; 0 for one whose keys are unknown.
 std::size_t key_size(g_crypto_suite suite);

@@ -163,8 +163,8 @@ void accept(const Home& home, const Section& section, const QOVA_Media& answer,
     media.m_attributes = attributes_of(
         home, section, [&](std::string_view name) { return stays(answer.mediaType, name); });
     if (!answer.cryptos.empty()) {
-        media.m_attributes = new_attribute(home, "crypto", crypto_value(*answer.cryptos.front()),
-                                           media.m_attributes);
+        media.m_attributes = new_attribute(
+            home, "crypto", crypto_value(*answer.cryptos.front(), section), media.m_attributes);
     }
 }
 

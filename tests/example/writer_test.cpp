@@ -88,6 +88,14 @@ INSTANTIATE_TEST_SUITE_P(
                     "a=fmtp:101 0-11", "a=fmtp:101 16"},
                    "m=audio 32000 RTP/AVP 8 101\r\na=rtpmap:101 telephone-event/8000\r\n"
                    "a=fmtp:101 0-11,16\r\n"},
+        Row<Media>{
+            "ASuiteAsItWasCalled",
+            {"m=audio 5004 RTP/SAVP 8", "a=crypto:1 " + aes_32 + " KDR=1",
+             "a=crypto:1 AES_256_CM_HMAC_SHA1_32 inline:AAAA",
+             "a=crypto:2 AES_256_CM_HMAC_SHA1_80 inline:" + offered_key.substr(0, 62) + " KDR=1",
+             "a=crypto:1 aes_cm_256_hmac_sha1_80 inline:" + offered_key.substr(0, 62)},
+            "m=audio 32000 RTP/SAVP 8\r\na=crypto:1 aes_cm_256_hmac_sha1_80 inline:"
+            "//79/Pv6+fj39vX08/Lx8O/u7ezr6uno5+bl5OPi4eDf3t3c29rZ2NfW1dTT0g==\r\n"},
         Row<Media>{"SendOnly",
                    {"m=audio 5004 RTP/AVP 8", "a=sendonly"},
                    "m=audio 32000 RTP/AVP 8\r\na=recvonly\r\n"},

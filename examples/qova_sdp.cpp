@@ -113,6 +113,15 @@ void with_description(const std::string& file, Call call) {
     }
 }
 
+// A message is not replaced by its description.
+void check_output(const Options& options, const std::string& file, const sdp::Found& found) {
+    std::error_code error;
+    if (found.is_part && options.output &&
+        std::filesystem::equivalent(file, *options.output, error)) {
+        throw sdp::Refusal(0, "the description is a part of it, and --output would replace it all");
+    }
+}
+
 // The side of the call that answers.
 sdp::CallSide call_side(const Options& options) {
     sdp::Policy policy;
@@ -132,8 +141,10 @@ sdp::CallSide call_side(const Options& options) {
 Result run_answer(const Options& options, const std::string& text) {
     sdp::CallSide side = call_side(options);
     if (options.previous) {
-        with_description(*options.previous,
-                         [&](const sdp::Found& found) { side.resume(found.text); });
+        with_description(*options.previous, [&](const sdp::Found& found) {
+            check_output(options, *options.previous, found);
+            side.resume(found.text);
+        });
     }
     sdp::Reply reply =
         side.answer(text, options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT);
@@ -141,14 +152,6 @@ Result run_answer(const Options& options, const std::string& text) {
             std::move(reply.warnings),
             {std::move(reply.log)},
             std::move(reply.rejections)};
-}
-
-// A message is not replaced by its description.
-void check_output(const Options& options, const std::string& file) {
-    std::error_code error;
-    if (options.output && std::filesystem::equivalent(file, *options.output, error)) {
-        throw sdp::Refusal(0, "the description is a part of it, and --output would replace it all");
-    }
 }
 
 Result result_of(const Options& options, const std::string& text) {
@@ -160,9 +163,7 @@ Result result_of(const Options& options, const std::string& text) {
 void process(const Options& options, const std::string& file) {
     const bool is_one_of_many = options.files.size() > 1;
     with_description(file, [&](const sdp::Found& found) {
-        if (found.is_part) {
-            check_output(options, file);
-        }
+        check_output(options, file, found);
         const Result result = result_of(options, found.text);
         for (const auto& [list, kind] : {std::pair(&result.warnings, ": warning: "),
                                          std::pair(&result.rejections, ": rejected: ")}) {

@@ -116,7 +116,7 @@ class AnswerTest(ProgramCase):
         self.assertEqual(self.answer("-", text=head + OFFER)[1], LOGS)
         errors = self.answer("-", text=head + OFFER.replace(b"AVP 8", b"AVP 3"))[1]
         self.assertTrue(errors.startswith("standard input:9: rejected: "), errors)
-        for offer, old in (("message", "old.sdp"),):
+        for offer, old in (("message", "old.sdp"), ("offer.sdp", "message")):
             self.old(self.answer("-")[0])
             (self.directory / "message").write_bytes(head + OFFER)
             (self.directory / "offer.sdp").write_bytes(OFFER)

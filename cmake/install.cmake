@@ -50,8 +50,7 @@ endif()
 
 # All pages keep their place to each other, so that the links between them hold.
 install(FILES README.md CHANGELOG.md TYPE DOC OPTIONAL)
-install(FILES examples/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples OPTIONAL)
-install(DIRECTORY examples/samples DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(DIRECTORY examples TYPE DOC PATTERN .clang-tidy EXCLUDE PATTERN *.1 EXCLUDE)
 install(DIRECTORY docs TYPE DOC
     FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|h|gdb|txt)$")
 

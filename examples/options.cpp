@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "qova/export.h"
 #include "sdp_audio.h"
 #include "sdp_mover.h"
 #include "sdp_text.h"
@@ -53,6 +54,34 @@ const char usage[] =
     "Exit status: 0 done, 1 a description was refused or could not be read or written, 2 the\n"
     "command line is wrong.\n";
 
+const char server_usage[] =
+    "usage: qova-answer [OPTION]...\n"
+    "\n"
+    "Answers SIP calls, until it is told to stop by SIGINT or SIGTERM: then it ends its calls.\n"
+    "It prints \"listening on URI\" when it can be called; on standard error it logs what is\n"
+    "offered and answered, each line with the number of its call. It sends and plays no media.\n"
+    "\n"
+    "  --listen URI       where it is called; sip:127.0.0.1:5080;transport=tcp unless told\n"
+    "                     otherwise; port 0 is any that is free\n"
+    "  --local ADDRESS    the local IPv4 or IPv6 address of its media; unless told otherwise the\n"
+    "                     one that it listens on\n"
+    "  --codec NAME       accept this codec; may be repeated; without it all are accepted: PCMA,\n"
+    "                     PCMU, G723, G729, G729A, G722, AMR-WB, opus\n"
+    "  --fax, --no-fax    accept T.38 fax, or reject it; it is accepted unless told otherwise\n"
+    "  --public ADDRESS   answer in the public plan that has this address, with\n"
+    "  --audio-port N     the public port that stands for local audio port 32000, and\n"
+    "  --fax-port N       the public port that stands for local fax port 6666\n"
+    "  --strict           refuse what is only warned of otherwise\n"
+    "  --quiet            log errors only\n"
+    "  -h, --help         print this text\n"
+    "  --version          print the version\n"
+    "\n"
+    "On SIGUSR1 it logs how many calls it has had, the heap in use, the processor time, and how\n"
+    "much of that it took to read, answer, write and compare descriptions.\n"
+    "\n"
+    "Exit status: 0 stopped, 1 it cannot listen or some calls did not end, 2 the command line is\n"
+    "wrong.\n";
+
 namespace {
 
 unsigned short port_of(const std::string& option, const std::string& value) {
@@ -78,7 +107,13 @@ QOVA_Codec codec_of(const std::string& name) {
     return *codec;
 }
 
-enum Commands : unsigned { LOG = 1, MOVE = 2, ANSWER = 4, ALL = LOG | MOVE | ANSWER };
+enum Commands : unsigned {
+    LOG = 1,
+    MOVE = 2,
+    ANSWER = 4,
+    SERVE = 8,  // all of qova-answer
+    ALL = LOG | MOVE | ANSWER | SERVE
+};
 
 unsigned command_of(const std::string& name) {
     return name == "log" ? LOG : name == "move" ? MOVE : name == "answer" ? ANSWER : 0U;
@@ -96,40 +131,62 @@ constexpr Option all_options[] = {
     {"--version", ALL, false, [](Options& to, const std::string&) { to.version = true; }},
     {"--answer", LOG | MOVE, false, [](Options& to, const std::string&) { to.answer = true; }},
     {"--strict", ALL, false, [](Options& to, const std::string&) { to.strict = true; }},
-    {"--output", ALL, true, [](Options& to, const std::string& value) { to.output = value; }},
+    {"--output", LOG | MOVE | ANSWER, true,
+     [](Options& to, const std::string& value) { to.output = value; }},
     {"--back", MOVE, false, [](Options& to, const std::string&) { to.back = true; }},
     {"--merge", MOVE, false, [](Options& to, const std::string&) { to.merge = true; }},
     {"--verbose", MOVE, false, [](Options& to, const std::string&) { to.verbose = true; }},
     {"--address", MOVE, true,
      [](Options& to, const std::string& value) { to.address = address_of("--address", value); }},
-    {"--local", ANSWER, true,
+    {"--local", ANSWER | SERVE, true,
      [](Options& to, const std::string& value) { to.local = address_of("--local", value); }},
-    {"--public", ANSWER, true,
+    {"--public", ANSWER | SERVE, true,
      [](Options& to, const std::string& value) {
          to.public_address = address_of("--public", value);
      }},
-    {"--audio-port", MOVE | ANSWER, true,
+    {"--audio-port", MOVE | ANSWER | SERVE, true,
      [](Options& to, const std::string& value) { to.audio_port = port_of("--audio-port", value); }},
-    {"--fax-port", MOVE | ANSWER, true,
+    {"--fax-port", MOVE | ANSWER | SERVE, true,
      [](Options& to, const std::string& value) { to.fax_port = port_of("--fax-port", value); }},
-    {"--codec", ANSWER, true,
+    {"--codec", ANSWER | SERVE, true,
      [](Options& to, const std::string& value) { to.codecs.push_back(codec_of(value)); }},
-    {"--fax", ANSWER, false, [](Options& to, const std::string&) { to.fax = true; }},
-    {"--no-fax", ANSWER, false, [](Options& to, const std::string&) { to.fax = false; }},
+    {"--fax", ANSWER | SERVE, false, [](Options& to, const std::string&) { to.fax = true; }},
+    {"--no-fax", ANSWER | SERVE, false, [](Options& to, const std::string&) { to.fax = false; }},
     {"--previous", ANSWER, true,
      [](Options& to, const std::string& value) { to.previous = value; }},
+    {"--listen", SERVE, true, [](Options& to, const std::string& value) { to.listen = value; }},
+    {"--quiet", SERVE, false, [](Options& to, const std::string&) { to.quiet = true; }},
 };
 
-const Option& option_of(const std::string& command, const std::string& name) {
+const Option& option_of(unsigned command, const std::string& who, const std::string& name) {
     const auto* const found =
         std::find_if(std::begin(all_options), std::end(all_options), [&](const Option& option) {
-            const unsigned commands = command.empty() ? LOG : command_of(command);
-            return option.name == name && (option.commands & commands) != 0;
+            return option.name == name && (option.commands & command) != 0;
         });
     if (found == std::end(all_options)) {
-        throw Misuse(std::string(command).append(" has no option ").append(name));
+        throw Misuse(std::string(who).append(" has no option ").append(name));
     }
     return *found;
+}
+
+// A plan has all of its options, or none of them.
+void check_plan(const Options& options) {
+    const bool moves = options.command == "move";
+    const std::pair<const char*, bool> of_plan[] = {
+        {moves ? "--address" : "--public", options.address || options.public_address},
+        {"--audio-port", options.audio_port.has_value()},
+        {"--fax-port", options.fax_port.has_value()},
+    };
+    const auto is_given = [](const auto& option) { return option.second; };
+    if (!moves && std::none_of(std::begin(of_plan), std::end(of_plan), is_given)) {
+        return;
+    }
+    for (const auto& option : of_plan) {
+        if (!is_given(option)) {
+            throw Misuse(std::string(moves ? "move needs " : "a public plan needs ") +
+                         option.first);
+        }
+    }
 }
 
 void check(const Options& options) {
@@ -144,23 +201,7 @@ void check(const Options& options) {
     if (options.output && options.files.size() > 1) {
         throw Misuse("--output takes the output of one FILE only");
     }
-    const std::pair<const char*, bool> of_plan[] = {
-        {options.command == "answer" ? "--public" : "--address",
-         options.address || options.public_address},
-        {"--audio-port", options.audio_port.has_value()},
-        {"--fax-port", options.fax_port.has_value()},
-    };
-    const auto is_given = [](const auto& option) { return option.second; };
-    const bool needs_plan = options.command == "move" ||
-                            (options.command == "answer" &&
-                             std::any_of(std::begin(of_plan), std::end(of_plan), is_given));
-    for (const auto& option : of_plan) {
-        if (needs_plan && !is_given(option)) {
-            throw Misuse(options.command == "move"
-                             ? std::string("move needs ") + option.first
-                             : std::string("a public plan needs ") + option.first);
-        }
-    }
+    check_plan(options);
     if (options.command == "answer") {
         if (!options.local) {
             throw Misuse("answer needs --local");
@@ -171,22 +212,12 @@ void check(const Options& options) {
     }
 }
 
-}  // namespace
-
-Options read_options(const std::vector<std::string>& arguments) {
-    Options options;
+// Reads the options of a command, and puts what is none of them among the files.
+void read(unsigned command, const std::string& who, std::vector<std::string>::const_iterator next,
+          std::vector<std::string>::const_iterator end, Options& options) {
     std::set<std::string> seen;
     bool options_have_ended = false;
-    auto next = arguments.begin();
-    if (next == arguments.end()) {
-        throw Misuse("no command is given");
-    }
-    if (command_of(*next) != 0) {
-        options.command = *next++;
-    } else if (*next != "-h" && *next != "--help" && *next != "--version") {
-        throw Misuse("there is no command " + *next);
-    }
-    while (next != arguments.end()) {
+    while (next != end) {
         const std::string argument = *next++;
         if (options_have_ended || argument == "-" || argument.substr(0, 1) != "-") {
             options.files.push_back(argument);
@@ -198,7 +229,7 @@ Options read_options(const std::vector<std::string>& arguments) {
         }
         const std::size_t equals = argument.find('=');
         const std::string name = argument == "-h" ? "--help" : argument.substr(0, equals);
-        const Option& option = option_of(options.command, name);
+        const Option& option = option_of(command, who, name);
         if (!seen.insert(name == "--no-fax" ? "--fax" : name).second && name != "--codec") {
             throw Misuse(name + " is given twice");
         }
@@ -209,15 +240,72 @@ Options read_options(const std::vector<std::string>& arguments) {
             }
             value = argument.substr(equals + 1);
         } else if (option.takes_value) {
-            if (next == arguments.end()) {
+            if (next == end) {
                 throw Misuse(name + " needs a value");
             }
             value = *next++;
         }
         option.set(options, value);
     }
+}
+
+}  // namespace
+
+Options read_options(const std::vector<std::string>& arguments) {
+    Options options;
+    auto next = arguments.begin();
+    if (next == arguments.end()) {
+        throw Misuse("no command is given");
+    }
+    if (command_of(*next) != 0) {
+        options.command = *next++;
+    } else if (*next != "-h" && *next != "--help" && *next != "--version") {
+        throw Misuse("there is no command " + *next);
+    }
+    read(options.command.empty() ? LOG : command_of(options.command), options.command, next,
+         arguments.end(), options);
     if (!options.help && !options.version) {
         check(options);
     }
     return options;
+}
+
+Options read_server_options(const std::vector<std::string>& arguments) {
+    Options options;
+    read(SERVE, "qova-answer", arguments.begin(), arguments.end(), options);
+    if (!options.help && !options.version) {
+        if (!options.files.empty()) {
+            throw Misuse("qova-answer takes options only, and no " + options.files.front());
+        }
+        check_plan(options);
+    }
+    return options;
+}
+
+std::string version_of(const std::string& program) {
+    return program + " " + std::to_string(QOVA_VERSION_MAJOR) + "." +
+           std::to_string(QOVA_VERSION_MINOR) + "." + std::to_string(QOVA_VERSION_PATCH) + "\n";
+}
+
+sdp::Policy policy_of(const Options& options) {
+    sdp::Policy policy;
+    IPAddress::Parse(*options.local, policy.address);
+    policy.fax = options.fax;
+    if (!options.codecs.empty()) {
+        policy.codecs = options.codecs;
+    }
+    return policy;
+}
+
+std::optional<sdp::PublicPlan> public_plan_of(const Options& options) {
+    if (!options.public_address) {
+        return std::nullopt;
+    }
+    sdp::PublicPlan plan = {{}, *options.audio_port, *options.fax_port};
+    IPAddress::Parse(*options.public_address, plan.address);
+    return plan;
+}
+
+sdp::Strictness strictness_of(const Options& options) {
+    return options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
 }

@@ -1,4 +1,4 @@
-// The command line of qova-sdp.
+// The command lines of qova-sdp and qova-answer.
 
 #ifndef QOVA_EXAMPLES_OPTIONS_H
 #define QOVA_EXAMPLES_OPTIONS_H
@@ -8,10 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "call_side.h"
 #include "qova/enumerations.h"
 
 struct Options {
-    std::string command;  // log, move or answer
+    std::string command;  // log, move or answer; of qova-answer none
     bool help = false;    // then nothing else counts; nor with version
     bool version = false;
     bool answer = false;
@@ -19,7 +20,9 @@ struct Options {
     bool back = false;
     bool merge = false;
     bool verbose = false;
+    bool quiet = false;
     bool fax = true;
+    std::string listen = "sip:127.0.0.1:5080;transport=tcp";
     std::optional<std::string> output;
     std::optional<std::string> address;
     std::optional<std::string> local;
@@ -36,9 +39,21 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Reads what follows the program's name. Throws Misuse.
+// Reads what follows qova-sdp on its command line. Throws Misuse.
 Options read_options(const std::vector<std::string>& arguments);
 
+// The same of qova-answer.
+Options read_server_options(const std::vector<std::string>& arguments);
+
 extern const char usage[];
+extern const char server_usage[];
+
+// "PROGRAM 1.0.0\n"
+std::string version_of(const std::string& program);
+
+// What a side of a call is made of that answers.
+sdp::Policy policy_of(const Options& options);
+std::optional<sdp::PublicPlan> public_plan_of(const Options& options);
+sdp::Strictness strictness_of(const Options& options);
 
 #endif

@@ -14,7 +14,6 @@
 #include "call_side.h"
 #include "files.h"
 #include "options.h"
-#include "qova/export.h"
 #include "sdp_message.h"
 #include "sdp_mover.h"
 #include "sdp_reader.h"
@@ -22,11 +21,6 @@
 namespace {
 
 enum Status { DONE = 0, FAILED = 1, MISUSED = 2 };
-
-std::string version() {
-    return "qova-sdp " + std::to_string(QOVA_VERSION_MAJOR) + "." +
-           std::to_string(QOVA_VERSION_MINOR) + "." + std::to_string(QOVA_VERSION_PATCH) + "\n";
-}
 
 void print_error(const std::string& text) {
     std::fputs(text.c_str(), stderr);
@@ -79,8 +73,7 @@ struct Result {
 
 Result run_log(const Options& options, const std::string& text) {
     const auto role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
-    const auto strictness = options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
-    sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness);
+    sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness_of(options));
     return {with_newline(*reading.capability), std::move(reading.warnings), {}};
 }
 
@@ -89,7 +82,7 @@ Result run_move(const Options& options, const std::string& text) {
     plan.back = options.back;
     plan.merge = options.merge;
     plan.role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
-    plan.strictness = options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
+    plan.strictness = strictness_of(options);
     sdp::Move move = sdp::move(text, plan);
     std::vector<std::string> notes;
     if (options.verbose) {
@@ -122,32 +115,15 @@ void check_output(const Options& options, const std::string& file, const sdp::Fo
     }
 }
 
-// The side of the call that answers.
-sdp::CallSide call_side(const Options& options) {
-    sdp::Policy policy;
-    IPAddress::Parse(*options.local, policy.address);
-    policy.fax = options.fax;
-    if (!options.codecs.empty()) {
-        policy.codecs = options.codecs;
-    }
-    std::optional<sdp::PublicPlan> plan;
-    if (options.public_address) {
-        plan = {{}, *options.audio_port, *options.fax_port};
-        IPAddress::Parse(*options.public_address, plan->address);
-    }
-    return sdp::CallSide(std::move(policy), std::move(plan));
-}
-
 Result run_answer(const Options& options, const std::string& text) {
-    sdp::CallSide side = call_side(options);
+    sdp::CallSide side(policy_of(options), public_plan_of(options));
     if (options.previous) {
         with_description(*options.previous, [&](const sdp::Found& found) {
             check_output(options, *options.previous, found);
             side.resume(found.text);
         });
     }
-    sdp::Reply reply =
-        side.answer(text, options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT);
+    sdp::Reply reply = side.answer(text, strictness_of(options));
     return {std::move(reply.text),
             std::move(reply.warnings),
             {std::move(reply.log)},
@@ -192,7 +168,7 @@ Status report(Status status, const std::string& message) {
 
 Status run(const Options& options) {
     if (options.help || options.version) {
-        write_output(options.help ? usage : version());
+        write_output(options.help ? usage : version_of("qova-sdp"));
         return DONE;
     }
     Status worst = DONE;

@@ -1,6 +1,6 @@
 #include "call_side.h"
 
-#include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "changes.h"
@@ -44,7 +44,7 @@ void check_ports(const QOVA_Capability& moved, const PublicPlan& plan) {
         const unsigned short base =
             media->mediaType == QOVA_Media::MT_FAX ? plan.fax_port : plan.audio_port;
         if (media->mediaStatus != QOVA_Media::MS_REJECTED && media->rcvPort2 <= base) {
-            throw Refusal(0, "the public ports of the answer run beyond 65535");
+            throw std::range_error("the public ports of the answer run beyond 65535");
         }
     }
 }

@@ -44,7 +44,8 @@ public:
     // Answers an offer. One that is the same to the byte as the last gets the same answer, key
     // included; else the version in o= rises by one if anything in the text has changed.
     // Without anything in common it is not remembered: the call goes on as it was.
-    // Throws Refusal, and nothing has changed.
+    // Throws Refusal, or std::range_error where the public plan has no port for a line, and nothing
+    // has changed.
     Reply answer(const std::string& offer, Strictness strictness);
 
     // Makes an offer: what was sent last, else all that the policy has.

@@ -209,6 +209,7 @@ void check(const Options& options) {
         if (options.files.size() > 1) {
             throw Misuse("answer takes one OFFER");
         }
+        public_plan_of(options);
     }
 }
 
@@ -230,8 +231,11 @@ void read(unsigned command, const std::string& who, std::vector<std::string>::co
         const std::size_t equals = argument.find('=');
         const std::string name = argument == "-h" ? "--help" : argument.substr(0, equals);
         const Option& option = option_of(command, who, name);
-        if (!seen.insert(name == "--no-fax" ? "--fax" : name).second && name != "--codec") {
+        if (!seen.insert(name).second && name != "--codec") {
             throw Misuse(name + " is given twice");
+        }
+        if (seen.count("--fax") != 0 && seen.count("--no-fax") != 0) {
+            throw Misuse("--fax and --no-fax exclude each other");
         }
         std::string value;
         if (equals != std::string::npos) {
@@ -303,6 +307,12 @@ std::optional<sdp::PublicPlan> public_plan_of(const Options& options) {
     }
     sdp::PublicPlan plan = {{}, *options.audio_port, *options.fax_port};
     IPAddress::Parse(*options.public_address, plan.address);
+    IPAddress local;
+    IPAddress::Parse(*options.local, local);
+    if (plan.address.Family() != local.Family()) {
+        throw Misuse("--public: " + *options.public_address + " is of another family than " +
+                     *options.local);
+    }
     return plan;
 }
 

@@ -51,7 +51,7 @@ extern const char server_usage[];
 // "PROGRAM 1.0.0\n"
 std::string version_of(const std::string& program);
 
-// What a side of a call is made of that answers.
+// What a side of a call is made of that answers, where --local is given. Throws Misuse.
 sdp::Policy policy_of(const Options& options);
 std::optional<sdp::PublicPlan> public_plan_of(const Options& options);
 sdp::Strictness strictness_of(const Options& options);

@@ -190,6 +190,8 @@ private:
     std::unique_ptr<su_root_t, DestroyRoot> root;
     std::unique_ptr<su_timer_t, DestroyTimer> timer;
     std::unique_ptr<nua_t, DestroyAgent> agent;
+    sdp::Policy policy;
+    std::optional<sdp::PublicPlan> public_plan;
     std::unordered_map<nua_handle_t*, Call> calls;
     unsigned long calls_so_far = 0;
     std::string contact;
@@ -207,6 +209,8 @@ Server::Server(Options options_of) : options(std::move(options_of)) {
         }
         options.local = address;
     }
+    policy = policy_of(options);
+    public_plan = public_plan_of(options);
     root.reset(su_root_create(this));
     if (root == nullptr) {
         throw std::bad_alloc();
@@ -349,10 +353,8 @@ void Server::take(int signal) {
 void Server::take_request(nua_handle_t* handle, const sip_t& sip) {
     auto place = calls.find(handle);
     if (place == calls.end()) {
-        place = calls
-                    .emplace(handle, Call{++calls_so_far, sdp::CallSide(policy_of(options),
-                                                                        public_plan_of(options))})
-                    .first;
+        place =
+            calls.emplace(handle, Call{++calls_so_far, sdp::CallSide(policy, public_plan)}).first;
     }
     Call& call = place->second;
     if (sip.sip_payload != nullptr && sip.sip_payload->pl_len > 0) {

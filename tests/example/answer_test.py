@@ -106,7 +106,7 @@ class AnswerTest(ProgramCase):
         for text, message in ((b"", ": no session description: there is nothing in it"),
                               (OFFER + b"broken\n", ":7: the line is not of the form x=value")):
             self.assert_fails(1, "standard input" + message, "answer", *LOCAL, "-", text=text)
-        self.assert_fails(1, "standard input: the public ports of the answer run beyond 65535",
+        self.assert_fails(1, "the public ports of the answer run beyond 65535",
                           "answer", *LOCAL, *PUBLIC[:2], "--audio-port=65535", "--fax-port=7000",
                           "-", text=OFFER)
         self.assert_fails(1, "/nowhere: No such file or directory", "answer", *LOCAL, "/nowhere")
@@ -236,6 +236,9 @@ class AnswerTest(ProgramCase):
         misused("--previous is given twice", *LOCAL, "--previous", "b", "--previous", "c", "a")
         misused("--fax is given twice", *LOCAL, "--fax", "--fax", "a")
         misused("--no-fax is given twice", *LOCAL, "--no-fax", "--no-fax", "a")
+        misused("--fax and --no-fax exclude each other", *LOCAL, "--no-fax", "--fax", "a")
+        misused("--public: 2001:db8::1 is of another family than 192.0.2.1", "--local", "192.0.2.1",
+                "--public", "2001:db8::1", *PORTS, "a")
         misused("--fax takes no value", *LOCAL, "--fax=yes", "a")
         misused("--codec: there is no codec GSM", *LOCAL, "--codec", "GSM", "a")
         misused("--codec: there is no codec ", *LOCAL, "--codec=", "a")

@@ -434,6 +434,8 @@ class CommandLine(CallCase):
                 ("--local: host is no unicast IPv4 or IPv6 address", "--local", "host"),
                 ("--audio-port: 0 is no port from 1 to 65535", "--audio-port", "0"),
                 ("a public plan needs --fax-port", "--public", "192.0.2.1", "--audio-port", "1"),
+                ("--public: ::1 is of another family than 127.0.0.1", "--public", "::1",
+                 "--audio-port", "1", "--fax-port", "1"),
                 ("--listen: sip:0.0.0.0 has no unicast address: say --local", "--listen",
                  "sip:0.0.0.0"),
                 *((f"--listen: {uri} is no URI such as sip:127.0.0.1:5080;transport=tcp",

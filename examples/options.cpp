@@ -1,10 +1,13 @@
 #include "options.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <exception>
 #include <iterator>
 #include <set>
 #include <utility>
 
+#include "files.h"
 #include "qova/export.h"
 #include "sdp_audio.h"
 #include "sdp_mover.h"
@@ -284,6 +287,22 @@ Options read_server_options(const std::vector<std::string>& arguments) {
         check_plan(options);
     }
     return options;
+}
+
+Status report(const std::string& program, Status status, const std::string& message) {
+    std::fputs((program + ": " + shown(message) + "\n").c_str(), stderr);
+    return status;
+}
+
+Status run_program(const std::string& program, const std::function<Status()>& run) {
+    try {
+        return run();
+    } catch (const Misuse& misuse) {
+        return report(program, MISUSED,
+                      std::string(misuse.what()) + " (see " + program + " --help)");
+    } catch (const std::exception& exception) {
+        return report(program, FAILED, exception.what());
+    }
 }
 
 std::string version_of(const std::string& program) {

@@ -3,6 +3,7 @@
 #ifndef QOVA_EXAMPLES_OPTIONS_H
 #define QOVA_EXAMPLES_OPTIONS_H
 
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -38,6 +39,14 @@ class Misuse : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+enum Status { DONE = 0, FAILED = 1, MISUSED = 2 };
+
+// Says on standard error what went wrong.
+Status report(const std::string& program, Status status, const std::string& message);
+
+// The exit status of a program; of what it throws, too.
+Status run_program(const std::string& program, const std::function<Status()>& run);
 
 // Reads what follows qova-sdp on its command line. Throws Misuse.
 Options read_options(const std::vector<std::string>& arguments);

@@ -20,8 +20,6 @@
 
 namespace {
 
-enum Status { DONE = 0, FAILED = 1, MISUSED = 2 };
-
 void print_error(const std::string& text) {
     std::fputs(text.c_str(), stderr);
 }
@@ -161,11 +159,6 @@ void process(const Options& options, const std::string& file) {
     });
 }
 
-Status report(Status status, const std::string& message) {
-    print_error("qova-sdp: " + shown(message) + "\n");
-    return status;
-}
-
 Status run(const Options& options) {
     if (options.help || options.version) {
         write_output(options.help ? usage : version_of("qova-sdp"));
@@ -177,7 +170,7 @@ Status run(const Options& options) {
         try {
             process(options, file);
         } catch (const std::exception& exception) {
-            status = report(FAILED, exception.what());
+            status = report("qova-sdp", FAILED, exception.what());
         }
         if (options.files.size() > 1) {
             print_error(display_name(file) + ": status " + std::to_string(status) + "\n");
@@ -190,11 +183,7 @@ Status run(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
+    return run_program("qova-sdp", [&] {
         return run(read_options({argv + std::min(1, argc), argv + argc}));
-    } catch (const Misuse& misuse) {
-        return report(MISUSED, std::string(misuse.what()) + " (see qova-sdp --help)");
-    } catch (const std::exception& exception) {
-        return report(FAILED, exception.what());
-    }
+    });
 }

@@ -58,19 +58,19 @@ class SampleTest(unittest.TestCase):
 
     def test_answer(self):
         lines = re.findall(rb"^m=(\S+) \S+ (\S+)", sample.read_bytes(), re.MULTILINE)
-        for local in ("192.168.250.1", "fd00:250::1"):
-            status, answer, errors = program.run("answer", "--local", local, "--public",
-                                                 "203.0.113.5", "--audio-port", "40000",
-                                                 "--fax-port", "7000", str(sample))
+        for local, public in (("192.168.250.1", "203.0.113.5"), ("fd00:250::1", "2001:db8::5")):
+            status, answer, errors = program.run("answer", "--local", local, "--public", public,
+                                                 "--audio-port", "40000", "--fax-port", "7000",
+                                                 str(sample))
             self.assertEqual(status, 0, errors)
             self.assertTrue(errors.startswith(messages(".warnings")), errors)
             self.assertEqual(re.findall(rb"^m=(\S+) \d+ (\S+)", answer, re.MULTILINE), lines)
             self.assertNotIn(local.encode(), answer)
             self.assertNotRegex(answer, rb"(?m)^m=\S+ (3[12]\d\d\d|6666) ")
             text = program.run("log", "--answer", "-", text=answer)[1].decode()
-            public = re.search(r"^public: (Capability\(answer.*)", errors, re.DOTALL | re.MULTILINE)
+            sent = re.search(r"^public: (Capability\(answer.*)", errors, re.DOTALL | re.MULTILINE)
             rejected = re.compile(r"(Rejected) @.*?\n\t   Attributes :.*?Crypto", re.DOTALL)
-            self.assertEqual(rejected.sub(r"\1", text), rejected.sub(r"\1", public[1]))
+            self.assertEqual(rejected.sub(r"\1", text), rejected.sub(r"\1", sent[1]))
 
     def test_keys_stay_in_the_description(self):
         keys = re.findall(rb"inline:([^|;\s]+)", sample.read_bytes())

@@ -14,8 +14,8 @@ SECONDS = 30  # until something that should have come by itself is given up
 class Server:
     """A running qova-answer, with the lines of its log as they come."""
 
-    def __init__(self, program, *options, listen="sip:127.0.0.1:0;transport=tcp"):
-        self.process = subprocess.Popen([program, "--listen", listen, *options],
+    def __init__(self, program, *options, listen="sip:127.0.0.1:0;transport=tcp", before=()):
+        self.process = subprocess.Popen([*before, program, "--listen", listen, *options],
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                                         encoding="latin-1")
         self.lines = []
@@ -158,9 +158,10 @@ def run(sipp, scenario, server, *options, seconds=SECONDS):
         try:
             done = subprocess.run(
                 [sipp, server.address, "-sf", "call.xml", "-t", "t1", "-i", local, "-m", "1",
-                 "-nostdin", "-timeout", f"{seconds}s", "-timeout_error", "-trace_err", "-error_file", "errors",
-                 *options], cwd=directory, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                text=True, encoding="latin-1", timeout=seconds + 5, check=False)
+                 "-nostdin", "-timeout", f"{seconds}s", "-timeout_error", "-trace_err",
+                 "-error_file", "errors", *options],
+                cwd=directory, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                encoding="latin-1", timeout=seconds + 5, check=False)
         except subprocess.TimeoutExpired:
             return "sipp has not ended"
         if done.returncode == 0:

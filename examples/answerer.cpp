@@ -148,9 +148,7 @@ std::unique_ptr<QOVA_Media> accepted(const ReadLine& line, const Policy& policy,
         throw Refusal(line.number, "its kind is not served");
     }
     set_ports(*media, port_of(line, earlier));
-    INetAddress* const address = policy.address.Copy();
-    delete media->address;
-    media->address = address;
+    set_address(*media, policy.address);
     media->brcv = offered.bsnd;
     media->bsnd = !line.holds;
     return media;

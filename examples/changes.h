@@ -31,7 +31,7 @@ private:
 };
 // [aside]
 
-// Whether two media lines differ in what they are negotiated to be. Of two rejected lines the kind
+// Whether two media lines agree in what they are negotiated to be. Of two rejected lines the kind
 // alone counts. Both are as before when it returns.
 bool same_media(QOVA_Media& left, QOVA_Media& right);
 

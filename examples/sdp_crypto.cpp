@@ -178,8 +178,11 @@ bool needs_session_parameter(const Line& line) {
 std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer) {
     std::string suite = Sdp::CryptoParser::enumToAlgo(crypto.algo);
     for (const Line& line : offer) {
+        if (!same(line.name, "crypto")) {
+            continue;
+        }
         const std::vector<std::string_view> fields = tokens(line.value);
-        if (same(line.name, "crypto") && fields.size() > 2 && suite_of(fields[1]) == crypto.algo &&
+        if (fields.size() > 2 && suite_of(fields[1]) == crypto.algo &&
             number(fields[0], UINT_MAX) == crypto.tag) {
             suite = fields[1];
             break;

@@ -8,6 +8,7 @@
 
 #include "qova/attributes.h"
 #include "qova/media.h"
+#include "socket/address.h"
 
 namespace sdp {
 
@@ -23,6 +24,13 @@ T& append_attribute(QOVA_Media& media, QOVA_Media::e_AttributeType type) {
     attribute.attributeType = type;
     attribute.status = media.mediaStatus;
     return attribute;
+}
+
+// Replaces the address that a media owns.
+inline void set_address(QOVA_Media& media, const INetAddress& address) {
+    INetAddress* const copy = address.Copy();
+    delete media.address;
+    media.address = copy;
 }
 
 }  // namespace sdp

@@ -130,9 +130,7 @@ void read_address(const Line* of_session, const Section& section, QOVA_Media& me
         }
         throw Refusal(section.front().number, "no c= line gives this media an address");
     }
-    INetAddress* const address = connection_address(*line).address.Copy();
-    delete media.address;
-    media.address = address;
+    set_address(media, connection_address(*line).address);
 }
 
 // What the session says for the lines that do not say it themselves.

@@ -87,9 +87,11 @@ std::string fmtp_of(const Section& section, const sdp_rtpmap_t& payload) {
     const char* const separator = same(text_of(payload.rm_encoding), "telephone-event") ? "," : ";";
     std::string parameters;
     for (const Line& line : section) {
+        if (!same(line.name, "fmtp")) {
+            continue;
+        }
         const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-        if (same(line.name, "fmtp") && fields.size() == 2 &&
-            number(fields[0], 127) == payload.rm_pt) {
+        if (fields.size() == 2 && number(fields[0], 127) == payload.rm_pt) {
             parameters.append(parameters.empty() ? "" : separator).append(trimmed(fields[1]));
         }
     }

@@ -321,7 +321,7 @@ TEST(AnswererKeys, AreOthersForEachLine) {
 
 TEST(AnswererKeys, ComeFromTheSystemUnlessToldOtherwise) {
     sdp::Policy policy;
-    policy.address = address_of("192.0.2.1");
+    policy.address = ip("192.0.2.1");
     std::set<std::string> keys;
     for (int i = 0; i < 3; ++i) {
         const Answered answered({"m=audio 5004 RTP/SAVP 8", "a=crypto:1 " + aes_80}, policy);

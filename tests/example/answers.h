@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "answerer.h"
+#include "building_blocks.h"
 #include "call_side.h"
 #include "descriptions.h"
 #include "qova/media.h"
@@ -23,16 +24,10 @@ inline const std::string offered_key =
 inline const std::string aes_80 = "AES_CM_128_HMAC_SHA1_80 inline:" + offered_key.substr(0, 40);
 inline const std::string aes_32 = "AES_CM_128_HMAC_SHA1_32 inline:" + offered_key.substr(0, 40);
 
-inline IPAddress address_of(const std::string& text) {
-    IPAddress address;
-    EXPECT_TRUE(IPAddress::Parse(text, address)) << text;
-    return address;
-}
-
 // Takes all there is. Its random bytes count down from 255, so that the answer can be foretold.
 inline sdp::Policy policy_at(const std::string& address = "192.0.2.1") {
     sdp::Policy policy;
-    policy.address = address_of(address);
+    policy.address = ip(address);
     policy.random = [next = 255](unsigned char* to, std::size_t size) mutable {
         std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next--); });
     };
@@ -40,42 +35,27 @@ inline sdp::Policy policy_at(const std::string& address = "192.0.2.1") {
 }
 
 inline sdp::PublicPlan public_plan() {
-    return {address_of("203.0.113.5"), 40000, 7000};
+    return {ip("203.0.113.5"), 40000, 7000};
 }
 
 // A session's media lines and their answer.
 struct Answered {
     explicit Answered(const std::vector<std::string>& media,
                       const sdp::Policy& policy = policy_at())
-        : text(session({})),
-          description((add(text, media), text)),
+        : text(session(media)),
+          description(text),
           reading(sdp::read(description, sdp::Role::OFFER, sdp::Strictness::LENIENT)),
           answer(sdp::answer(reading, policy)) {}
 
     const QOVA_Capability& capability() const { return *answer.capability; }
     const QOVA_Media& media() const { return *capability().filteredMedia.front(); }
 
-    // "LINE: why" of each rejection.
-    std::string rejections() const {
-        std::string all;
-        for (const sdp::Warning& rejection : answer.rejections) {
-            all += (all.empty() ? "" : "\n") + std::to_string(rejection.line) + ": " +
-                   rejection.message;
-        }
-        return all;
-    }
+    std::string rejections() const { return told(answer.rejections); }
 
     std::string text;
     sdp::Description description;
     sdp::Reading reading;
     sdp::Answer answer;
-
-private:
-    static void add(std::string& to, const std::vector<std::string>& media) {
-        for (const std::string& line : media) {
-            to += line + "\r\n";
-        }
-    }
 };
 
 // The text of the answer to a session, from its first media line on.

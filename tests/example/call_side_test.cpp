@@ -38,7 +38,7 @@ TEST(CallSide, HasNothingToCompareItsFirstAnswerWith) {
 
 TEST(CallSide, HasASessionOfItsOwn) {
     sdp::Policy policy;
-    policy.address = address_of("192.0.2.1");
+    policy.address = ip("192.0.2.1");
     sdp::CallSide first(policy);
     sdp::CallSide second(policy);
     EXPECT_NE(sdp::origin_of(reading_of(answer(first, audio).text)).id,

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "building_blocks.h"
 #include "netconf/sdp.h"
 #include "readings.h"
 #include "rows.h"
@@ -75,13 +76,7 @@ INSTANTIATE_TEST_SUITE_P(
                   [](C& c) { media_at(c, rejected).mediaStatus = QOVA_Media::MS_ACCEPTED; }},
         Change<C>{"KindOfARejectedLine",
                   [](C& c) { media_at(c, rejected).mediaType = QOVA_Media::MT_VIDEO; }},
-        Change<C>{"Address",
-                  [](C& c) {
-                      IPAddress address;
-                      IPAddress::Parse("10.0.0.2", address);
-                      delete media_at(c, audio).address;
-                      media_at(c, audio).address = address.Copy();
-                  }},
+        Change<C>{"Address", [](C& c) { set_address(media_at(c, audio), "10.0.0.2"); }},
         Change<C>{"SendPort", [](C& c) { ++media_at(c, audio).sndPort; }},
         Change<C>{"ReceivePort", [](C& c) { ++media_at(c, fax).rcvPort; }},
         Change<C>{"SecondSendPort", [](C& c) { ++media_at(c, audio).sndPort2; }},

@@ -1,15 +1,15 @@
-// Descriptions for the tests of the example's reader and mover.
+// Descriptions for the tests of the example.
 
 #ifndef QOVA_TESTS_EXAMPLE_DESCRIPTIONS_H
 #define QOVA_TESTS_EXAMPLE_DESCRIPTIONS_H
 
-#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "sdp_text.h"
 
 // Lines with CR LF after each.
-inline std::string lines(std::initializer_list<std::string> list) {
+inline std::string lines(const std::vector<std::string>& list) {
     std::string text;
     for (const std::string& line : list) {
         text += line + "\r\n";
@@ -18,7 +18,7 @@ inline std::string lines(std::initializer_list<std::string> list) {
 }
 
 // A session at 10.0.0.1, five lines long, and what follows it.
-inline std::string session(std::initializer_list<std::string> media) {
+inline std::string session(const std::vector<std::string>& media) {
     return lines({"v=0", "o=- 1 1 IN IP4 10.0.0.1", "s=-", "c=IN IP4 10.0.0.1", "t=0 0"}) +
            lines(media);
 }

@@ -29,12 +29,18 @@ inline std::string refusal_of(const std::string& text) {
     return lenient;
 }
 
-// "LINE: message" of each warning. Strictly read, the first is the refusal.
-inline std::string warnings_of(const std::string& text) {
+// "LINE: message" of each.
+inline std::string told(const std::vector<sdp::Warning>& warnings) {
     std::string all;
-    for (const sdp::Warning& warning : reading_of(text).warnings) {
+    for (const sdp::Warning& warning : warnings) {
         all += (all.empty() ? "" : "\n") + std::to_string(warning.line) + ": " + warning.message;
     }
+    return all;
+}
+
+// The warnings about a description. Strictly read, the first is the refusal.
+inline std::string warnings_of(const std::string& text) {
+    const std::string all = told(reading_of(text).warnings);
     EXPECT_EQ(refusal([&] { reading_of(text, sdp::Strictness::STRICT); }),
               all.empty() ? "accepted" : all.substr(0, all.find('\n')));
     return all;

@@ -1,7 +1,7 @@
 #include "netconf/sdp.h"
 
+#include <algorithm>
 #include <iterator>
-#include <utility>
 
 namespace {
 
@@ -20,24 +20,15 @@ constexpr const char* suite_names[] = {
     "AEAD_AES_128_GCM",
     "AEAD_AES_256_GCM",
 };
-constexpr int suite_count = std::size(suite_names);
 
-// Collects "name=value" pieces; stays empty, without parentheses, when there are none.
+// Writes " FORMAT(parameter=value; parameter=value)", or nothing if there are no parameters.
 class ParameterText {
 public:
-    explicit ParameterText(const char* format_name) : name(format_name) {}
+    explicit ParameterText(const char* format) : separator(std::string(" ") + format + "(") {}
 
     void add(const char* parameter, const std::string& value) {
-        if (text.empty()) {
-            text += ' ';
-            text += name;
-            text += '(';
-        } else {
-            text += "; ";
-        }
-        text += parameter;
-        text += '=';
-        text += value;
+        text.append(separator).append(parameter).append("=").append(value);
+        separator = "; ";
     }
 
     void add_unless(int absent, const char* parameter, int value) {
@@ -46,25 +37,17 @@ public:
         }
     }
 
-    std::string take() {
-        if (!text.empty()) {
-            text += ')';
-        }
-        return std::move(text);
-    }
+    std::string take() { return text.empty() ? text : text + ")"; }
 
 private:
-    const char* name;
+    std::string separator;
     std::string text;
 };
 
 std::string join(const std::list<int>& values) {
     std::string text;
     for (const int value : values) {
-        if (!text.empty()) {
-            text += ',';
-        }
-        text += std::to_string(value);
+        text += (text.empty() ? "" : ",") + std::to_string(value);
     }
     return text;
 }
@@ -104,14 +87,12 @@ Sdp::Sdp_Opus_Param::operator const std::string() const {
 }
 
 std::string Sdp::CryptoParser::enumToAlgo(const g_crypto_suite& suite) {
-    return suite_names[suite > CS_NIL && suite < suite_count ? suite : CS_NIL];
+    return suite_names[static_cast<unsigned>(suite) < std::size(suite_names) ? suite : CS_NIL];
 }
 
 g_crypto_suite Sdp::CryptoParser::algoToEnum(const std::string& name) {
-    for (int suite = CS_NIL + 1; suite < suite_count; ++suite) {
-        if (name == suite_names[suite]) {
-            return static_cast<g_crypto_suite>(suite);
-        }
-    }
-    return CS_NIL;
+    const auto* const found = std::find(std::begin(suite_names), std::end(suite_names), name);
+    return found == std::end(suite_names)
+               ? CS_NIL
+               : static_cast<g_crypto_suite>(found - std::begin(suite_names));
 }

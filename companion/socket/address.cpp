@@ -3,129 +3,8 @@
 #include <arpa/inet.h>
 #include <sys/socket.h>
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <string_view>
+#include <charconv>
 #include <utility>
-
-namespace {
-
-constexpr std::size_t v4_size = 4;
-constexpr std::size_t v6_size = 16;
-
-// IPv4 is written by hand and from a table, as equality of media asks for the text of every
-// address: inet_ntop alone would make it several times slower.
-struct Octet {
-    char text[4];  // in decimal, followed by a dot
-    unsigned char length;
-};
-
-constexpr std::array<Octet, 256> make_octets() {
-    std::array<Octet, 256> table = {};
-    for (unsigned value = 0; value < table.size(); ++value) {
-        Octet& octet = table[value];
-        for (unsigned unit = 100; unit != 0; unit /= 10) {
-            if (value >= unit || unit == 1) {
-                octet.text[octet.length++] = static_cast<char>('0' + value / unit % 10);
-            }
-        }
-        octet.text[octet.length++] = '.';
-    }
-    return table;
-}
-
-constexpr std::array<Octet, 256> octets = make_octets();
-
-// The longest IPv4 address and the dot after it, which is written, but does not count.
-constexpr std::size_t v4_room = v4_size * sizeof Octet::text;
-
-char* write_v4(char* to, const unsigned char* bytes) {
-    for (std::size_t i = 0; i < v4_size; ++i) {
-        const Octet& octet = octets[bytes[i]];
-        std::memcpy(to, octet.text, sizeof octet.text);
-        to += octet.length;
-    }
-    return to - 1;
-}
-
-bool parse_v4(const std::string& text, unsigned char* bytes) {
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (std::size_t i = 0; i < v4_size; ++i) {
-        if (i != 0 && (at == end || *at++ != '.')) {
-            return false;
-        }
-        const char* const first = at;
-        unsigned value = 0;
-        while (at != end && *at >= '0' && *at <= '9' && value <= 255) {
-            value = value * 10 + static_cast<unsigned>(*at++ - '0');
-        }
-        // A leading zero is refused: some readers take it for octal.
-        if (at == first || value > 255 || (*first == '0' && at - first > 1)) {
-            return false;
-        }
-        bytes[i] = static_cast<unsigned char>(value);
-    }
-    return at == end;
-}
-
-bool parse_v6(const std::string& text, unsigned char* bytes) {
-    // inet_pton would stop at a NUL inside the text.
-    return text.find('\0') == std::string::npos && inet_pton(AF_INET6, text.c_str(), bytes) == 1;
-}
-
-bool is_v4_mapped(const unsigned char* bytes) {
-    static constexpr unsigned char prefix[12] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff};
-    return std::memcmp(bytes, prefix, sizeof prefix) == 0;
-}
-
-// RFC 5952: lower case, no leading zeros, "::" for the first longest run of two zero groups or
-// more, and dotted decimal for the last four bytes of an IPv4-mapped address.
-char* write_v6(char* to, const unsigned char* bytes) {
-    if (is_v4_mapped(bytes)) {
-        static constexpr char prefix[] = "::ffff:";
-        return write_v4(std::copy(prefix, prefix + sizeof prefix - 1, to), bytes + 12);
-    }
-    constexpr std::size_t groups = v6_size / 2;
-    const auto group = [bytes](std::size_t i) {
-        return unsigned{bytes[2 * i]} << 8U | bytes[2 * i + 1];
-    };
-    std::size_t run_start = groups;
-    std::size_t run_length = 1;
-    for (std::size_t i = 0; i < groups; ++i) {
-        std::size_t length = 0;
-        while (i + length < groups && group(i + length) == 0) {
-            ++length;
-        }
-        if (length > run_length) {
-            run_start = i;
-            run_length = length;
-        }
-    }
-    for (std::size_t i = 0; i < groups; ++i) {
-        if (i == run_start) {
-            *to++ = ':';
-            i += run_length - 1;
-            if (i == groups - 1) {
-                *to++ = ':';
-            }
-            continue;
-        }
-        if (i != 0) {
-            *to++ = ':';
-        }
-        const unsigned value = group(i);
-        for (int shift = 12; shift >= 0; shift -= 4) {
-            if (shift == 0 || value >> static_cast<unsigned>(shift) != 0) {
-                *to++ = "0123456789abcdef"[value >> static_cast<unsigned>(shift) & 0xfU];
-            }
-        }
-    }
-    return to;
-}
-
-}  // namespace
 
 INetAddress* INetAddress::Clone(const INetAddress* address) {
     return address == nullptr ? nullptr : address->Copy();
@@ -135,11 +14,11 @@ const IPAddress IPAddress::IpAddressAny;
 
 bool IPAddress::Parse(const std::string& text, IPAddress& address) {
     IPAddress parsed;
-    if (!parse_v4(text, parsed.bytes)) {
-        if (!parse_v6(text, parsed.bytes)) {
-            return false;
-        }
-        parsed.isV6 = true;
+    parsed.isV6 = text.find(':') != std::string::npos;
+    // inet_pton stops at the first NUL, even inside the text.
+    if (text.find('\0') != std::string::npos ||
+        inet_pton(parsed.Family(), text.c_str(), parsed.bytes.data()) != 1) {
+        return false;
     }
     address = parsed;
     return true;
@@ -151,8 +30,16 @@ INetAddress* IPAddress::Copy() const {
 
 std::string IPAddress::ToString() const {
     char text[INET6_ADDRSTRLEN];
-    char* const end = isV6 ? write_v6(text, bytes) : write_v4(text, bytes);
-    return std::string(text, static_cast<std::size_t>(end - text));
+    if (isV6) {
+        return inet_ntop(AF_INET6, bytes.data(), text, sizeof text);
+    }
+    // Equality of media asks for each address's text; inet_ntop would make it much slower.
+    char* end = text;
+    for (std::size_t i = 0; i < 4; ++i) {
+        end = std::to_chars(end, std::end(text), bytes[i]).ptr;
+        *end++ = '.';
+    }
+    return std::string(text, end - 1);
 }
 
 int IPAddress::Family() const {
@@ -160,17 +47,15 @@ int IPAddress::Family() const {
 }
 
 std::size_t IPAddress::Size() const {
-    return isV6 ? v6_size : v4_size;
+    return isV6 ? 16 : 4;
 }
 
 const unsigned char* IPAddress::Bytes() const {
-    return bytes;
+    return bytes.data();
 }
 
 bool IPAddress::IsLoopback() const {
-    static constexpr unsigned char v6_loopback[v6_size] = {0, 0, 0, 0, 0, 0, 0, 0,
-                                                           0, 0, 0, 0, 0, 0, 0, 1};
-    return isV6 ? std::memcmp(bytes, v6_loopback, v6_size) == 0 : bytes[0] == 127;
+    return isV6 ? IsEqual("::1") : bytes[0] == 127;
 }
 
 bool IPAddress::IsMulticast() const {
@@ -178,14 +63,11 @@ bool IPAddress::IsMulticast() const {
 }
 
 bool IPAddress::IsEqual(const std::string& text) const {
-    if (isV6) {
-        unsigned char other[v6_size];
-        return parse_v6(text, other) && std::memcmp(bytes, other, v6_size) == 0;
+    if (!isV6) {
+        return ToString() == text;  // an IPv4 address has only one spelling
     }
-    // An IPv4 address has one spelling only.
-    char own[v4_room];
-    const char* const end = write_v4(own, bytes);
-    return std::string_view(own, static_cast<std::size_t>(end - own)) == text;
+    IPAddress other;
+    return Parse(text, other) && other.isV6 && other.bytes == bytes;
 }
 
 bool IPAddress::IsPrivate() const {
@@ -197,8 +79,7 @@ bool IPAddress::IsPrivate() const {
 }
 
 int IPAddress::IsAny() const {
-    const auto is_zero = [](unsigned char byte) { return byte == 0; };
-    return std::all_of(bytes, bytes + v6_size, is_zero) ? 1 : 0;
+    return bytes == IpAddressAny.bytes;
 }
 
 UDPAddr::UDPAddr(const INetAddress& ip, unsigned short udp_port)

@@ -5,6 +5,7 @@
 #ifndef QOVA_COMPANION_SOCKET_ADDRESS_H
 #define QOVA_COMPANION_SOCKET_ADDRESS_H
 
+#include <array>
 #include <cstddef>
 #include <string>
 
@@ -13,55 +14,44 @@ class INetAddress {
 public:
     virtual ~INetAddress() = default;
 
-    /// A new copy of the same class.
-    /// @return an object that the caller owns
+    /// @return a new copy of the same class, which the caller owns
     virtual INetAddress* Copy() const = 0;
 
-    /// The address as text.
-    /// @return the text
+    /// @return the address as text
     virtual std::string ToString() const = 0;
 
-    /// The address family, `AF_INET` or `AF_INET6`.
-    /// @return the family
+    /// @return `AF_INET` or `AF_INET6`
     virtual int Family() const = 0;
 
-    /// The number of bytes of the address: 4 or 16.
-    /// @return the number
+    /// @return the number of bytes of the address: 4 or 16
     virtual std::size_t Size() const = 0;
 
-    /// The address in network byte order.
-    /// @return Size() bytes that live as long as the address
+    /// @return the address in network byte order: Size() bytes that live as long as this object
     virtual const unsigned char* Bytes() const = 0;
 
-    /// Whether the address is a loopback address.
-    /// @return 127.0.0.0/8 or ::1
+    /// @return true for 127.0.0.0/8 and ::1
     virtual bool IsLoopback() const = 0;
 
-    /// Whether the address is a multicast address.
-    /// @return 224.0.0.0/4 or ff00::/8
+    /// @return true for 224.0.0.0/4 and ff00::/8
     virtual bool IsMulticast() const = 0;
 
-    /// Whether a text spells this address.
     /// @param text any text
-    /// @return false also when the text is no address
+    /// @return true if the text spells this address
     virtual bool IsEqual(const std::string& text) const = 0;
 
-    /// The negation of IsEqual().
     /// @param text any text
-    /// @return whether the text does not spell this address
+    /// @return the negation of IsEqual()
     virtual bool operator!=(const std::string& text) const { return !IsEqual(text); }
 
-    /// Whether the address is private to a site.
-    /// @return 10.0.0.0/8, 172.16.0.0/12, 192.168.0.0/16 (RFC 1918) or fc00::/7 (RFC 4193)
+    /// @return true for 10.0.0.0/8, 172.16.0.0/12, 192.168.0.0/16 (RFC 1918) and fc00::/7 (RFC
+    /// 4193)
     virtual bool IsPrivate() const = 0;
 
-    /// Nonzero when the address designates no destination: 0.0.0.0 or ::.
-    /// @return a truth value
+    /// @return nonzero for 0.0.0.0 and ::, which designate no destination
     virtual int IsAny() const = 0;
 
-    /// A new copy of an address, of the same class.
     /// @param address the source, or null
-    /// @return an object that the caller owns; null for null
+    /// @return a new copy of the same class, which the caller owns; null for null
     /// @throws std::bad_alloc when memory runs out
     static INetAddress* Clone(const INetAddress* address);
 };
@@ -72,52 +62,37 @@ public:
     /// The unspecified IPv4 address, 0.0.0.0.
     constexpr IPAddress() noexcept : bytes{}, isV6(false) {}
 
-    /// Reads an address: IPv4 in dotted decimal without leading zeros, IPv6 in any form of
-    /// RFC 4291. Allocates nothing.
-    /// @param text the text; all of it must be the address
-    /// @param address where the address goes; unchanged when the text is none
-    /// @return whether the text is an address
+    /// Reads IPv4 in dotted decimal without leading zeros, or IPv6 in any form of RFC 4291.
+    /// Allocates nothing.
+    /// @param text the text, which must be the address and nothing else
+    /// @param address where the address goes; unchanged if the text is not an address
+    /// @return true if the text is an address
     static bool Parse(const std::string& text, IPAddress& address);
 
-    /// @copydoc INetAddress::Copy
     INetAddress* Copy() const override;
 
-    /// IPv4 in dotted decimal, IPv6 as RFC 5952 recommends.
-    /// @return the text
+    /// @return IPv4 in dotted decimal, IPv6 as inet_ntop() writes it (RFC 5952)
     std::string ToString() const override;
 
-    /// @copydoc INetAddress::Family
     int Family() const override;
-
-    /// @copydoc INetAddress::Size
     std::size_t Size() const override;
-
-    /// @copydoc INetAddress::Bytes
     const unsigned char* Bytes() const override;
-
-    /// @copydoc INetAddress::IsLoopback
     bool IsLoopback() const override;
-
-    /// @copydoc INetAddress::IsMulticast
     bool IsMulticast() const override;
 
-    /// Whether a text spells this address in any way that Parse() reads. An IPv4-mapped IPv6
-    /// address is another address than the IPv4 address in it.
+    /// An IPv4-mapped IPv6 address is another address than the IPv4 address in it.
     /// @param text any text
-    /// @return false also when the text is no address
+    /// @return true if Parse() reads this address from the text
     bool IsEqual(const std::string& text) const override;
 
-    /// @copydoc INetAddress::IsPrivate
     bool IsPrivate() const override;
-
-    /// @copydoc INetAddress::IsAny
     int IsAny() const override;
 
     /// The unspecified IPv4 address.
     static const IPAddress IpAddressAny;
 
 private:
-    unsigned char bytes[16];  // IPv4 uses the first four, and the rest stay zero
+    std::array<unsigned char, 16> bytes;  // IPv4 uses the first four; the rest are zero
     bool isV6;
 };
 

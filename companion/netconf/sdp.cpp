@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -37,7 +38,10 @@ public:
         }
     }
 
-    std::string take() { return text.empty() ? text : text + ")"; }
+    std::string take() {
+        text += text.empty() ? "" : ")";
+        return std::move(text);
+    }
 
 private:
     std::string separator;

@@ -1,5 +1,6 @@
-// The binary interface that built programs rely on, one line for each fact. Two numbers are those
-// of 32-bit PowerPC and of x86-64. tests/symbols.txt lists the symbols.
+// The binary interface. A compiled program breaks when a fact here changes; each has its line. Of
+// two numbers, the first is for 32-bit PowerPC and the second for x86-64. The symbols are listed in
+// tests/symbols.txt.
 
 #include <gtest/gtest.h>
 
@@ -43,11 +44,11 @@ template <class Class, class... Bases>
 constexpr bool has_bases = (std::is_base_of_v<Bases, Class> && ...);
 #endif
 
-// A class that is aligned like a pointer: its bases and its sizes.
+// A class that can be assigned and is aligned like a pointer: its bases and its sizes.
 template <class Class, class... Bases>
 constexpr bool is_class(std::size_t powerpc, std::size_t x86_64) {
     return has_bases<Class, Bases...> && has_size<Class>(powerpc, x86_64) &&
-           alignof(Class) == alignof(void*);
+           alignof(Class) == alignof(void*) && std::is_copy_assignable_v<Class>;
 }
 
 // A data member: its class, its name, its type and its offsets.
@@ -55,12 +56,12 @@ constexpr bool is_class(std::size_t powerpc, std::size_t x86_64) {
     static_assert(std::is_same_v<decltype(Class::member), Type>); \
     static_assert(offsetof(Class, member) == on(powerpc, x86_64))
 
-// A member function: its class, its name and its type. The address must have exactly this type.
+// A member function: its class, its name and the exact type of its address.
 #define FUNCTION(Class, name, Type) static_assert(is_member<Class, Type, &Class::name>)
 template <class Class, class Type, Type Class::*address>
 constexpr bool is_member = true;
 
-// The same for whatever has a plain address: free functions, static functions and objects.
+// A free function, a static function or a static object: its name and its type.
 #define STATIC(name, Type) static_assert(is_static<Type, &name>)
 template <class Type, Type* address>
 constexpr bool is_static = true;
@@ -71,7 +72,7 @@ constexpr bool is_static = true;
         static_assert(name == (value))
 
 // The index of a function in the virtual table. A pointer to a virtual member function holds the
-// offset of its slot plus 1. Returns -1 if the function is not virtual.
+// offset of its slot plus 1. Returns -1 for other functions.
 template <class Function>
 std::ptrdiff_t slot(Function function) {
     std::ptrdiff_t parts[2];
@@ -80,8 +81,8 @@ std::ptrdiff_t slot(Function function) {
     return parts[0] % 2 == 1 ? parts[0] / static_cast<std::ptrdiff_t>(sizeof(void*)) : -1;
 }
 
-// The number of slots: a function that a derived class adds gets the next one. The destructor has
-// no address; its two slots are those that no other function has.
+// The number of slots: the first function that a derived class adds gets the next one. The
+// destructor, which has no address, has the two slots that remain.
 template <class Class>
 std::ptrdiff_t slots() {
     struct Derived : Class {
@@ -90,14 +91,14 @@ std::ptrdiff_t slots() {
     return slot(&Derived::added);
 }
 
-// The number of bytes without a data member: the constructor leaves them as they are.
+// The number of bytes that the constructor does not write: no data member is there.
 template <class Class>
 std::size_t padding() {
     alignas(Class) unsigned char memory[2][sizeof(Class)];
     std::memset(memory[0], 0x5a, sizeof(Class));
     std::memset(memory[1], 0xa5, sizeof(Class));
     for (unsigned char* place : {memory[0], memory[1]}) {
-        asm volatile("" : : "r"(place) : "memory");  // otherwise the compiler drops the fill
+        asm volatile("" : : "r"(place) : "memory");  // keeps the fill above
         new (place) Class;
         asm volatile("" : : "r"(place) : "memory");
     }
@@ -108,7 +109,7 @@ std::size_t padding() {
     return count;
 }
 
-// What the members are made of.
+// Types of the members
 
 static_assert(has_size<bool>(1, 1));
 static_assert(has_size<unsigned short>(2, 2));
@@ -327,7 +328,7 @@ FUNCTION(QOVA_Capability, setPublicAddrPort, void(const UDPAddr&, unsigned short
 FUNCTION(QOVA_Capability, setLocalAddrPort, void(const UDPAddr&, unsigned short, unsigned short));
 FUNCTION(QOVA_Capability, operator const std::string, const std::string() const);
 
-// What libqova uses of the companion
+// The parts of the companion that libqova uses
 
 static_assert(is_class<INetAddress>(4, 8) && std::is_abstract_v<INetAddress>);
 STATIC(INetAddress::Clone, INetAddress*(const INetAddress*));
@@ -369,26 +370,21 @@ FUNCTION(Sdp::Sdp_Opus_Param, operator const std::string, const std::string() co
 
 STATIC(Sdp::CryptoParser::enumToAlgo, std::string(const g_crypto_suite&));
 
-// Every class can be copied. Those that own something cannot be moved: that would not throw.
+// Classes without move operations, which would not throw
 
-template <class... Classes>
-constexpr bool can_copy = (std::is_default_constructible_v<Classes> && ...) &&
-                          (std::is_copy_constructible_v<Classes> && ...) &&
-                          (std::is_copy_assignable_v<Classes> && ...);
-static_assert(can_copy<QOVA_AudioAttribute, QOVA_VideoAttribute, QOVA_FaxAttribute,
-                       QOVA_DataAttribute, QOVA_Crypto, QOVA_Media, QOVA_Capability>);
 static_assert(!std::is_nothrow_move_constructible_v<QOVA_Crypto>);
 static_assert(!std::is_nothrow_move_constructible_v<QOVA_Media>);
 static_assert(!std::is_nothrow_move_constructible_v<QOVA_Capability>);
 
-// There are no other data members: the lists of names compile only if they are complete. They
-// cannot name the members of a class and of its base together, so the test counts the bytes between
-// them.
+// There are no other data members. These lists compile only if they name all members. A list
+// cannot name the members of a class and of its base, so the test counts the remaining bytes.
 
-[[maybe_unused]] void other_members(QOVA_MediaAttribute& attribute, QOVA_Crypto& crypto,
-                                    QOVA_Media& media, QOVA_Capability& capability,
-                                    Sdp::Sdp_Amrwb_Param& amrwb, Sdp::Sdp_Opus_Param& opus) {
+[[maybe_unused]] void other_members(QOVA_MediaAttribute& attribute, QOVA_CryptoKey& entry,
+                                    QOVA_Crypto& crypto, QOVA_Media& media,
+                                    QOVA_Capability& capability, Sdp::Sdp_Amrwb_Param& amrwb,
+                                    Sdp::Sdp_Opus_Param& opus) {
     [[maybe_unused]] auto& [status, attributeType] = attribute;
+    [[maybe_unused]] auto& [lifetime, mkiSize, mki, key] = entry;
     [[maybe_unused]] auto& [tag, algo, keys] = crypto;
     [[maybe_unused]] auto& [mediaStatus, mediaType, attributes, address, bsnd, brcv, sndPort,
                             rcvPort, sndPort2, rcvPort2, amrwbParam, opusParam, cryptoCount,

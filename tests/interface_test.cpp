@@ -91,7 +91,7 @@ std::ptrdiff_t slots() {
     return slot(&Derived::added);
 }
 
-// The number of bytes that the constructor does not write: no data member is there.
+// The number of bytes that the constructor does not write: no initialised member is there.
 template <class Class>
 std::size_t padding() {
     alignas(Class) unsigned char memory[2][sizeof(Class)];

@@ -1,14 +1,14 @@
 /// @file
-/// All that one side of a call offers or accepts: its media lines, the media text that is passed
+/// Everything that one side of a call offers or accepts: its media lines, media text that is passed
 /// through unparsed, and the flags of the session (RFC 3264).
 ///
 /// A QOVA_Capability owns its media. The order of the data members is ABI; the class has no virtual
 /// functions.
 ///
-/// Whatever allocates throws std::bad_alloc when memory runs out, and leaks nothing; nothing else
-/// throws. Searches and edits allocate nothing unless they say so; everything is linear in what it
-/// looks at. What a search returns is borrowed: it stays valid until
-/// #QOVA_Capability::filteredMedia changes.
+/// Operations that allocate throw std::bad_alloc when memory runs out, and leak nothing. Nothing
+/// else throws. Searches and edits do not allocate unless they say so. Every operation takes time
+/// linear in the elements that it visits. Searches return borrowed pointers: a media stays valid
+/// until #QOVA_Capability::filteredMedia changes, an attribute until its media's list changes.
 
 #ifndef QOVA_CAPABILITY_H
 #define QOVA_CAPABILITY_H
@@ -26,39 +26,38 @@ class UDPAddr;
 /// (RFC 3264).
 class QOVA_API QOVA_Capability {
 public:
-    /// The first ports of the local plan, from which setPublicAddrPort() and setLocalAddrPort()
-    /// measure.
+    /// The first ports of the local plan, for setPublicAddrPort() and setLocalAddrPort().
     enum : unsigned short {
         AUDIO_PORT_BASE = 32000,  ///< First local audio port.
         FAX_PORT_BASE = 6666      ///< First local fax port.
     };
 
-    /// The media that the stack understood, in the order of their lines, owned; never null.
+    /// The media that the stack understood, in the order of their lines; owned, never null.
     std::list<QOVA_Media*> filteredMedia;
 
     /// A mark for the owner's use; the log text shows it as an apostrophe. Never compared.
     bool marked = false;
 
-    /// True: an offer; false: an answer (RFC 3264).
+    /// True for an offer, false for an answer (RFC 3264).
     bool offer = false;
 
-    /// Media text that is carried through unparsed; any bytes.
+    /// Media text that is passed through unparsed; any bytes.
     std::string passThrough;
 
     /// The call is on hold (RFC 3264, section 8.4).
     bool hold = false;
 
-    unsigned char spare1 = 0;  ///< The owner's; copied, never compared or printed.
+    unsigned char spare1 = 0;  ///< For the owner's use. Copied, never compared or printed.
     unsigned char spare2 = 0;  ///< @copydoc spare1
     unsigned char spare3 = 0;  ///< @copydoc spare1
 
-    /// Silence suppression is signalled in SDP (`a=silenceSupp`, RFC 3108).
+    /// SDP signals silence suppression (`a=silenceSupp`, RFC 3108).
     bool silenceSuppSdp = false;
 
-    /// An empty capability with the defaults that stand beside the members. Allocates nothing.
+    /// Makes an empty capability with the default member initialisers. Does not allocate.
     QOVA_Capability() = default;
 
-    /// A deep copy. Each media is copied through its virtual `clone`, so an object of a class
+    /// Makes a deep copy. Each media is copied through its virtual `clone`, so an object of a class
     /// derived from QOVA_Media keeps its class. One allocation for each owned object and each list
     /// node, and one for a long #passThrough.
     /// @param other the source
@@ -67,98 +66,97 @@ public:
     /// Frees every media, in list order, through its virtual destructor.
     ~QOVA_Capability();
 
-    /// Frees the media of this capability, then copies every member of the other. Each media is
-    /// copied by QOVA_Media's copy constructor: the copies are plain QOVA_Media, whatever the class
-    /// of their source.
+    /// Frees the media of this capability, then copies every member of `other`. Each media is
+    /// copied by QOVA_Media's copy constructor, so the copies are plain QOVA_Media, whatever the
+    /// class of the source.
     ///
-    /// **Assigning a capability to itself empties #filteredMedia** and keeps the rest: there is no
-    /// guard, and the list that is freed first is the one that would be copied. It stays so because
-    /// built programs can see it.
+    /// **Self-assignment empties #filteredMedia** and keeps everything else: the list that is freed
+    /// first is the list to copy. This stays, because existing programs can observe it.
     ///
-    /// After a failure this capability holds only part of the media, or, where #passThrough could
-    /// not be copied, none, and the old #passThrough, #spare2 and #spare3; all other members are
-    /// new. It can be destroyed and assigned again.
+    /// If memory runs out, this capability holds only some of the media. If #passThrough could not
+    /// be copied, it holds no media and keeps its old #passThrough, #spare2 and #spare3. All other
+    /// members are new. The capability can be destroyed or assigned again.
     /// @param other the source
     /// @return this capability
     QOVA_Capability& operator=(const QOVA_Capability& other);
 
-    /// Whether two capabilities say the same, by rules that are partial on purpose:
-    /// - #offer, #hold and #silenceSuppSdp must agree;
-    /// - if either #passThrough is not empty, those two texts alone decide, and **no media is
-    ///   looked at**;
-    /// - otherwise the media must be as many, and equal pair by pair by QOVA_Media::operator==. As
-    ///   that compares parameter objects by identity, **a capability that has media does not equal
-    ///   its copy**.
+    /// Compares two capabilities. The comparison is deliberately partial:
+    /// - #offer, #hold and #silenceSuppSdp must be equal;
+    /// - if either #passThrough is not empty, these two texts alone decide, and **the media are not
+    ///   compared**;
+    /// - otherwise both must have the same number of media, equal pair by pair by
+    ///   QOVA_Media::operator==. Because that operator compares parameter objects by identity, **a
+    ///   capability that has media and no #passThrough does not equal its copy**.
     ///
-    /// #marked and the spare members are never compared. Allocates nothing but address texts.
+    /// Ignores #marked and the spare members. Allocates only address texts.
     /// @param other the capability to compare with
-    /// @return whether no compared member differs
+    /// @return true if no compared member differs
     bool operator==(const QOVA_Capability& other) const;
 
-    /// All media of the given kind and status, in list order. One allocation for each.
+    /// Finds all media of the given kind and status, in list order. One allocation for each.
     /// @param type the kind to look for
     /// @param status the status to look for; QOVA_Media::MS_UNKNOWN matches any
-    /// @return the media; empty when there are none
+    /// @return the media; empty if there are none
     std::list<QOVA_Media*> find(QOVA_Media::e_MediaType type,
                                 QOVA_Media::e_MediaStatus status) const;
 
-    /// The first audio media that has an attribute with the given codec.
+    /// Finds the first audio media that has an attribute with the given codec.
     /// @param codec the codec, or dynamic payload type, to look for
     /// @return the media (not the attribute), or null
     QOVA_Media* find(QOVA_Codec codec) const;
 
-    /// The first fax media that has an attribute with the given transport.
+    /// Finds the first fax media that has an attribute with the given transport.
     /// @param transport the transport to look for
     /// @return the media (not the attribute), or null
     QOVA_Media* find(QOVA_FaxTransport transport) const;
 
-    /// The first attribute of an audio media whose tone events are carried by the given payload.
+    /// Finds the first attribute of an audio media whose tone events use the given payload.
     /// @param codec the payload of the tone events
     /// @return the attribute (not the media), or null
     QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
 
-    /// Whether at least one audio media is mute (QOVA_Media::isMute). Other kinds play no part.
-    /// @return false also when there is no audio media
+    /// Returns true if at least one audio media is mute (QOVA_Media::isMute). Ignores other kinds.
+    /// @return false if there is no audio media
     bool isMute() const;
 
     /// Sets QOVA_Media::rcvPort and QOVA_Media::sndPort of the first media of the given kind to 0.
-    /// Its status, its second ports and every other media stay as they are.
+    /// Its status, its second ports and all other media stay unchanged.
     /// @param type the kind to reject
     void rejectMedia(QOVA_Media::e_MediaType type);
 
-    /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media; nothing else changes.
+    /// Clears QOVA_Media::bsnd and QOVA_Media::brcv of every audio media. Changes nothing else.
     void ClearMediaDirection();
 
     /// Moves every media that is not rejected from the local plan to a public one. Each gets a copy
     /// of the new address. The four ports of an audio media shift by `audioPort` -
-    /// #AUDIO_PORT_BASE, those of a fax media by `faxPort` - #FAX_PORT_BASE; other kinds keep their
-    /// ports.
+    /// #AUDIO_PORT_BASE, the four ports of a fax media by `faxPort` - #FAX_PORT_BASE. Other kinds
+    /// keep their ports.
     ///
-    /// **The shift is not guarded**: ports are computed modulo 65536, and a port 0 is shifted like
-    /// any other. What a move does, the reverse move with the same bases undoes exactly.
+    /// **The shift is not guarded**: ports are computed modulo 65536, and port 0 is shifted like
+    /// any other. setLocalAddrPort() with the same bases restores the ports exactly.
     ///
-    /// A rejected media keeps its address and its ports. Allocates the new addresses only. After a
-    /// failure the media at which it stopped has no address: assign the capability again, or
+    /// A rejected media keeps its address and its ports. Allocates only the new addresses. If
+    /// memory runs out, one media is left without an address: assign the capability again or
     /// destroy it.
     /// @param addr the new address; its port is not used
-    /// @param audioPort the port onto which local port #AUDIO_PORT_BASE moves
-    /// @param faxPort the port onto which local port #FAX_PORT_BASE moves
+    /// @param audioPort the public port for local port #AUDIO_PORT_BASE
+    /// @param faxPort the public port for local port #FAX_PORT_BASE
     void setPublicAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
 
-    /// The reverse of setPublicAddrPort(): moves back to the local plan. Audio ports shift by
-    /// #AUDIO_PORT_BASE - `audioPort`, fax ports by #FAX_PORT_BASE - `faxPort`; all else is the
-    /// same.
+    /// The reverse of setPublicAddrPort(): moves the media back to the local plan. Audio ports
+    /// shift by #AUDIO_PORT_BASE - `audioPort`, fax ports by #FAX_PORT_BASE - `faxPort`; everything
+    /// else is the same.
     /// @param addr the new address; its port is not used
-    /// @param audioPort the port that moves onto local port #AUDIO_PORT_BASE
-    /// @param faxPort the port that moves onto local port #FAX_PORT_BASE
+    /// @param audioPort the public port for local port #AUDIO_PORT_BASE
+    /// @param faxPort the public port for local port #FAX_PORT_BASE
     void setLocalAddrPort(const UDPAddr& addr, unsigned short audioPort, unsigned short faxPort);
 
-    /// The log text: a summary of the flags, the media's texts, and #passThrough whole. It holds no
-    /// key material unless #passThrough does.
+    /// Returns the log text: a summary of the flags, the texts of the media, and all of
+    /// #passThrough. It contains no key material unless #passThrough does.
     ///
-    /// Every compiler takes `const std::string text = capability;` and
-    /// `static_cast<const std::string&>(capability)`. Clang takes no assignment to an existing
-    /// string and, before C++17, no cast to `std::string`, because the result is const.
+    /// `const std::string text = capability;` and `static_cast<const std::string&>(capability)`
+    /// compile everywhere. Because the result is const, Clang rejects an assignment to an existing
+    /// string and, before C++17, a cast to `std::string`.
     /// @return the text
     operator const std::string() const;
 };

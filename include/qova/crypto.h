@@ -4,8 +4,9 @@
 /// A QOVA_Crypto holds its key entries by value. The order of the data members and of the virtual
 /// functions is ABI.
 ///
-/// Whatever allocates throws std::bad_alloc when memory runs out, and leaks nothing; nothing else
-/// throws. Copies and texts allocate, comparing does not; everything is linear in what it looks at.
+/// Operations that allocate throw std::bad_alloc when memory runs out, and leak nothing. Nothing
+/// else throws. Copies and texts allocate; a comparison does not. Every operation takes time linear
+/// in the number of keys.
 
 #ifndef QOVA_CRYPTO_H
 #define QOVA_CRYPTO_H
@@ -17,8 +18,8 @@
 #include "qova/export.h"
 
 /// One key parameter of a crypto line (`inline:`, RFC 4568, section 6.1): lifetime, master key
-/// identifier and key material. A plain record, copied as one block of bytes. It leaves its fields
-/// to whoever fills it; `= {}` makes them all zero.
+/// identifier and key material. A plain record, copied as one block of bytes. It has no default
+/// member initialisers; `= {}` sets all fields to zero.
 struct QOVA_CryptoKey {
     /// Lifetime of the master key in packets.
     unsigned int lifetime;
@@ -26,23 +27,24 @@ struct QOVA_CryptoKey {
     /// Length of the master key identifier in bytes.
     unsigned char mkiSize;
 
-    /// The master key identifier. Comparison and log text take all eight bytes whatever #mkiSize
-    /// says, so the unused ones have to be zero to compare as intended.
+    /// The master key identifier. Comparison and log text use all eight bytes, whatever the
+    /// #mkiSize, so set the unused bytes to zero.
     unsigned char mki[8];
 
-    /// Master key and salt, as whoever fills the record places them; 46 bytes hold the longest of
-    /// the registered suites. Copied with the record, but never read, compared or printed by this
-    /// library: **no log text shows key material, and two lines that differ only here are equal.**
+    /// Master key and salt, laid out by the code that fills the record; 46 bytes hold the keys of
+    /// every registered suite. The library copies them with the record, but never reads, compares
+    /// or prints them: **no log text shows key material, and two lines that differ only here are
+    /// equal.**
     unsigned char key[46];
 };
 
 /// One SRTP crypto line (`a=crypto`, RFC 4568).
 ///
-/// It is copied and cloned, but never assigned: the library declares no assignment and uses none.
-/// Owners replace a crypto line by deleting it and cloning another.
+/// The library copies and clones crypto lines but never assigns them. To replace a crypto line,
+/// delete it and clone another.
 class QOVA_API QOVA_Crypto {
 public:
-    /// The tag that opens the line.
+    /// The tag, the number at the start of the line.
     unsigned int tag = 0;
 
     /// The crypto suite.
@@ -51,34 +53,34 @@ public:
     /// The key parameters in the order of the line.
     std::list<QOVA_CryptoKey> keys;
 
-    /// A line with the defaults that stand beside the members. Allocates nothing.
+    /// Makes a line with the default member initialisers. Does not allocate.
     QOVA_Crypto();
 
-    /// A copy with key entries of its own: one allocation for each.
+    /// Makes a copy with its own key entries: one allocation for each.
     /// @param other the source
     QOVA_Crypto(const QOVA_Crypto& other);
 
     /// Frees the key entries.
     virtual ~QOVA_Crypto();
 
-    /// A new copy of this line, made by the copy constructor: one allocation more than that makes.
-    /// @return an object that the caller owns
+    /// Makes a new copy with the copy constructor, in one more allocation.
+    /// @return the copy, which the caller owns
     virtual QOVA_Crypto* clone() const;
 
-    /// Whether two crypto lines say the same, by rules that are partial on purpose:
-    /// - the other must be exactly a QOVA_Crypto, not of a class derived from it;
-    /// - lifetime, MKI length and all eight MKI bytes of the key entries are compared side by side
-    ///   **until the shorter list ends**; a list equals every longer one that starts with it, and
-    ///   an empty list equals any;
-    /// - **key material is never compared**: a line may be compared where its keys are not known;
-    /// - tag and suite must agree.
+    /// Compares two crypto lines. The comparison is deliberately partial:
+    /// - `other` must be exactly a QOVA_Crypto, not an object of a derived class;
+    /// - lifetime, MKI length and all eight MKI bytes of the key entries are compared pair by pair
+    ///   **until the shorter list ends**, so an empty list equals any list;
+    /// - **key material is never compared**, so that lines can be compared where the keys are
+    ///   unknown;
+    /// - tag and suite must be equal.
     /// @param other the crypto line to compare with
-    /// @return whether no compared member differs
+    /// @return true if no compared member differs
     bool operator==(const QOVA_Crypto& other) const;
 
-    /// The log text: one line with tag, suite and key entries. **It holds no key material**, as
-    /// logs go where keys must not. The MKI bytes stand as decimal numbers with nothing between
-    /// them.
+    /// Returns the log text: one line with tag, suite and key entries. **It contains no key
+    /// material**, because logs go where keys must not. The MKI bytes are decimal numbers without
+    /// separators.
     /// @return the text, which ends with a newline
     operator const std::string() const;
 };

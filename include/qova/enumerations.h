@@ -1,10 +1,10 @@
 /// @file
-/// The vocabulary that the media model shares: voice codecs, fax transports, directions of early
-/// media, and the printable names of codecs and directions.
+/// The enumerations of the media model: voice codecs, fax transports, directions of early media,
+/// and the printable names of codecs and directions.
 ///
-/// The numbers are ABI: they are stored in public members and cross the library's boundary. Every
-/// enumeration has `int` as its fixed underlying type, so any `int` may be stored in it. The names
-/// are short enough to be built without an allocation.
+/// The numbers are ABI, because public members store them. Every enumeration has the fixed
+/// underlying type `int`, so it can store any `int`. The names are so short that the name functions
+/// do not allocate.
 
 #ifndef QOVA_ENUMERATIONS_H
 #define QOVA_ENUMERATIONS_H
@@ -13,10 +13,10 @@
 
 #include "qova/export.h"
 
-/// The voice codec of an audio payload. A dynamic RTP payload type (96 to 127, RFC 3551) that has
-/// no codec of its own here is stored as its number, without an enumerator.
+/// The voice codec of an audio payload. A dynamic RTP payload type (96 to 127, RFC 3551) whose
+/// codec has no enumerator is stored as its number.
 enum QOVA_Codec : int {
-    CODEC_NIL = 0,        ///< No codec, or one that has no enumerator.
+    CODEC_NIL = 0,        ///< No codec, or one without an enumerator.
     CODEC_G711_ALAW = 1,  ///< G.711 A-law, RTP payload type 8 (PCMA).
     CODEC_G711_ULAW = 2,  ///< G.711 mu-law, RTP payload type 0 (PCMU).
     CODEC_G723 = 3,       ///< G.723.1, RTP payload type 4.
@@ -36,24 +36,24 @@ enum QOVA_FaxTransport : int {
     FT_T38_TCP = 2     ///< TPKT over TCP.
 };
 
-/// The direction in which media flows before the call is answered, in the words of the SDP
-/// direction attributes (RFC 4566, section 6).
+/// The direction in which media flows before the call is answered, named like the SDP direction
+/// attributes (RFC 4566, section 6).
 enum QOVA_EarlyMedia : int {
     EM_NIL = 0,       ///< No early media.
-    EM_SENDRECV = 1,  ///< Both ways.
-    EM_SENDONLY = 2,  ///< Sent only.
-    EM_RECVONLY = 3,  ///< Received only.
-    EM_INACTIVE = 4   ///< Neither way.
+    EM_SENDRECV = 1,  ///< Send and receive.
+    EM_SENDONLY = 2,  ///< Send only.
+    EM_RECVONLY = 3,  ///< Receive only.
+    EM_INACTIVE = 4   ///< Neither send nor receive.
 };
 
-/// The printable name of a codec: "G711alaw", "OPUS" and so on; "DYN(101)" for the dynamic payload
-/// type 101 (96 to 127); "NIL" for #CODEC_NIL and for every other value.
+/// Returns the printable name of a codec: "G711alaw", "OPUS" and so on, "DYN(101)" for the dynamic
+/// payload type 101 (96 to 127), or "NIL" for #CODEC_NIL and for any other value.
 /// @param codec any value
 /// @return the name; at most 8 characters
 QOVA_API std::string ToString(QOVA_Codec codec);
 
-/// The SDP keyword of an early-media direction in lower case, "nil" for #EM_NIL, "unknown???" for
-/// any value without an enumerator.
+/// Returns the SDP keyword of an early-media direction in lower case, "nil" for #EM_NIL, or
+/// "unknown???" for any value without an enumerator.
 /// @param direction any value
 /// @return the keyword; at most 10 characters
 QOVA_API std::string ToString(QOVA_EarlyMedia direction);

@@ -1,6 +1,6 @@
 /// @file
-/// What every public header of libqova needs: the version, the check that the consumer's standard
-/// library has the layouts of libqova's, and the mark of exported names.
+/// Included by every public header of libqova: the version, checks that the consumer's standard
+/// library has the same layouts as libqova's, and the macro that exports a name.
 
 #ifndef QOVA_EXPORT_H
 #define QOVA_EXPORT_H
@@ -9,21 +9,21 @@
 
 #include "qova/version.h"
 
-// std::string and std::list differ in layout between libstdc++'s two ABIs, and both are members of
-// public classes: a mixture would link in part and corrupt memory.
+// The layouts of std::string and std::list differ between libstdc++'s two ABIs, and both are
+// members of public classes. A mixture would partly link and corrupt memory.
 #if defined(_GLIBCXX_USE_CXX11_ABI) && !_GLIBCXX_USE_CXX11_ABI
 #error \
     "libqova uses the C++11 ABI of std::string and std::list: compile with -D_GLIBCXX_USE_CXX11_ABI=1"
 #endif
 
-// So does libstdc++'s debug mode change both layouts. Whoever has compiled libqova with it, too,
-// says so by defining QOVA_GLIBCXX_DEBUG.
+// libstdc++'s debug mode changes both layouts, too. A build of libqova with debug mode defines
+// QOVA_GLIBCXX_DEBUG everywhere.
 #if defined(_GLIBCXX_DEBUG) && !defined(QOVA_GLIBCXX_DEBUG)
 #error \
-    "libqova was compiled without _GLIBCXX_DEBUG: compile without it, or libqova with it, too, and all with -DQOVA_GLIBCXX_DEBUG"
+    "libqova was built without _GLIBCXX_DEBUG: either drop it, or rebuild libqova with it and define QOVA_GLIBCXX_DEBUG everywhere"
 #endif
 
-/// Marks a name that libqova.so exports.
+/// Exports a class or function from libqova.so.
 #define QOVA_API __attribute__((visibility("default")))
 
 #endif

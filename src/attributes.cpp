@@ -24,7 +24,7 @@ void append_own(std::string& text, const QOVA_FaxAttribute& fax) {
                  " / errCorr=", fax.errCorr, "\n");
 }
 
-// The type stays out of the log.
+// The text says "NIL" whatever the type is, so that logs of different releases stay comparable.
 void append_own(std::string& text, const QOVA_DataAttribute& /*data*/) {
     qova::append(text, "\t\t -> Data / type=NIL\n");
 }
@@ -36,7 +36,7 @@ std::string own_text(const Attribute& attribute) {
     return text;
 }
 
-// Whether the attribute is exactly of a class, and so was appended.
+// Appends the attribute's text if it is exactly a `Class`. Returns whether it was.
 template <class Class>
 bool append_exactly(std::string& text, const QOVA_MediaAttribute& attribute) {
     const Class* const own = qova::exactly<Class>(attribute);
@@ -49,7 +49,7 @@ bool append_exactly(std::string& text, const QOVA_MediaAttribute& attribute) {
 }  // namespace
 
 void qova::append_text(std::string& text, const QOVA_MediaAttribute& attribute) {
-    // A derived class may have another text, and gives it itself.
+    // An attribute of a derived class may have its own text, so it renders itself.
     if (!append_exactly<QOVA_AudioAttribute>(text, attribute) &&
         !append_exactly<QOVA_FaxAttribute>(text, attribute) &&
         !append_exactly<QOVA_VideoAttribute>(text, attribute) &&

@@ -10,7 +10,7 @@
 namespace {
 
 void shift_ports(QOVA_Media& media, unsigned short shift) {
-    // Modulo 65536, port 0 included: what one move does, the reverse move undoes.
+    // Modulo 65536, and for port 0 too, so that the reverse move restores every port.
     for (unsigned short* port :
          {&media.sndPort, &media.rcvPort, &media.sndPort2, &media.rcvPort2}) {
         *port = static_cast<unsigned short>(*port + shift);
@@ -34,7 +34,7 @@ void move_media(const std::list<QOVA_Media*>& list, const UDPAddr& addr, unsigne
     }
 }
 
-// The first media of a kind that has what is looked for, or null.
+// Returns the first media of a kind in which a search succeeds, or null.
 template <class Wanted>
 QOVA_Media* find_media(const std::list<QOVA_Media*>& list, QOVA_Media::e_MediaType type,
                        Wanted wanted) {
@@ -64,7 +64,7 @@ QOVA_Capability::~QOVA_Capability() {
     qova::free_all(filteredMedia);
 }
 
-// No guard against self-assignment, on purpose: it empties filteredMedia.
+// Self-assignment empties filteredMedia: a promise of the header, so there is no guard.
 QOVA_Capability& QOVA_Capability::operator=(const QOVA_Capability& other) {
     marked = other.marked;
     offer = other.offer;
@@ -75,7 +75,7 @@ QOVA_Capability& QOVA_Capability::operator=(const QOVA_Capability& other) {
     passThrough = other.passThrough;
     spare2 = other.spare2;
     spare3 = other.spare3;
-    // Not clone(): an assigned capability holds plain media.
+    // Not clone(): assignment makes plain media, whatever the class of the source.
     qova::append_copies(filteredMedia, other.filteredMedia,
                         [](const QOVA_Media& media) { return new QOVA_Media(media); });
     return *this;
@@ -86,7 +86,7 @@ bool QOVA_Capability::operator==(const QOVA_Capability& other) const {
         return false;
     }
     if (!passThrough.empty() || !other.passThrough.empty()) {
-        return passThrough == other.passThrough;  // which decides alone: no media is looked at
+        return passThrough == other.passThrough;  // the media are not compared
     }
     return filteredMedia.size() == other.filteredMedia.size() &&
            std::equal(filteredMedia.begin(), filteredMedia.end(), other.filteredMedia.begin(),

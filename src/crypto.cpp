@@ -11,7 +11,7 @@ static_assert(std::is_trivially_copyable<QOVA_CryptoKey>::value, "copied as one 
 
 namespace {
 
-// QOVA_CryptoKey::key takes no part: lines that differ only in key material count as equal.
+// Ignores QOVA_CryptoKey::key: lines that differ only in key material are equal.
 bool equal_keys(const QOVA_CryptoKey& left, const QOVA_CryptoKey& right) {
     return left.lifetime == right.lifetime && left.mkiSize == right.mkiSize &&
            std::memcmp(left.mki, right.mki, sizeof left.mki) == 0;

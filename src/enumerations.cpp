@@ -11,7 +11,8 @@ namespace {
 
 using Name = char[qova::name_size];
 
-// The names of the values 0, 1, 2 ... of each enumeration, and the one of all other values last.
+// The names of the values 0, 1, 2 ... of each enumeration. The last name is that of all other
+// values.
 constexpr Name codec_names[] = {"NIL",     "G711alaw", "G711ulaw", "G723",   "G729", "G729a",
                                 "G711nil", "G729nil",  "G722",     "G722.2", "OPUS", "NIL"};
 constexpr Name direction_names[] = {"nil",      "sendrecv", "sendonly",
@@ -21,8 +22,8 @@ constexpr Name rate_management_names[] = {"NIL", "TRFTCF", "LocalTCF", "NIL"};
 constexpr Name type_names[] = {"Nil", "Audio", "Video", "Fax", "Data", "Nil"};
 constexpr Name status_names[] = {"Unknown", "Accepted", "Rejected", "Modified", "Unknown"};
 
-// Copies a name whole, which is quicker than to its length. Negative values are great ones when
-// read unsigned.
+// Copies the whole array, which is faster than copying `strlen` bytes. Negative values become large
+// unsigned ones and select the last entry.
 char* put_name(char* to, const Name* names, unsigned int last, int value) {
     const Name& name = names[std::min(static_cast<unsigned int>(value), last)];
     std::memcpy(to, name, sizeof name);
@@ -34,7 +35,7 @@ char* put_name(char* to, const Name (&names)[Count], int value) {
     return put_name(to, names, Count - 1, value);
 }
 
-// The name of a value alone.
+// The name of a value as a string.
 template <class Enumeration>
 std::string name_of(Enumeration value) {
     std::string name;

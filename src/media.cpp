@@ -10,7 +10,7 @@
 
 namespace {
 
-// The first attribute of a class, or of one derived from it, that matches; or null.
+// Returns the first attribute of the class, or of a derived one, that matches; or null.
 template <class Class, class Match>
 Class* find_attribute(const std::list<QOVA_MediaAttribute*>& attributes, Match matches) {
     for (QOVA_MediaAttribute* attribute : attributes) {
@@ -31,8 +31,8 @@ void copy_directions_and_ports(QOVA_Media& to, const QOVA_Media& from) {
     to.rcvPort2 = from.rcvPort2;
 }
 
-// Puts a copy in the place of an owned object, which is freed first. The pointer is null while
-// nothing stands there, should the copy throw.
+// Replaces an owned object by a copy. Frees the old one first; the pointer is null if the copy
+// throws.
 template <class T>
 void replace(T*& owned, const T& source) {
     delete owned;
@@ -68,8 +68,7 @@ QOVA_Media::~QOVA_Media() {
     qova::free_all(cryptos);
 }
 
-// Frees before it copies, in an order that the owners of the freed objects rely on, so that this
-// cannot be copy-and-swap.
+// Not copy-and-swap: callers can observe that the old objects are freed first, in this order.
 QOVA_Media& QOVA_Media::operator=(const QOVA_Media& other) {
     if (this == &other) {
         return *this;
@@ -104,7 +103,7 @@ bool QOVA_Media::operator==(const QOVA_Media& other) const {
     return bsnd == other.bsnd && brcv == other.brcv && sndPort == other.sndPort &&
            rcvPort == other.rcvPort && sndPort2 == other.sndPort2 && rcvPort2 == other.rcvPort2 &&
            amrwbParam == other.amrwbParam &&
-           opusParam == other.opusParam &&  // identity, on purpose
+           opusParam == other.opusParam &&  // by identity: a promise of the header
            cryptoCount == other.cryptoCount &&
            qova::equal_side_by_side(attributes, other.attributes, qova::equal_objects) &&
            qova::equal_side_by_side(cryptos, other.cryptos, qova::equal_objects);
@@ -144,7 +143,7 @@ void qova::append_text(std::string& text, const QOVA_Media& media) {
     text += media.address->ToString();
     append(text, "/snd=", media.sndPort, "~", media.sndPort2, "/rcv=", media.rcvPort, "~",
            media.rcvPort2, "/bsnd=", media.bsnd, "/brcv=", media.brcv);
-    // c_str(): the parameters' texts count up to their first NUL, the address's text whole.
+    // c_str(): a parameter text ends at its first NUL. The address is appended in full length.
     text += static_cast<const std::string>(*media.amrwbParam).c_str();
     text += static_cast<const std::string>(*media.opusParam).c_str();
     append(text, "\n\t   Attributes :");

@@ -1,4 +1,4 @@
-// Lists of owned pointers, and the comparison of two lists.
+// Lists that own what their pointers point to, and the comparison of two lists.
 
 #ifndef QOVA_SRC_OWNED_LIST_H
 #define QOVA_SRC_OWNED_LIST_H
@@ -8,7 +8,7 @@
 
 namespace qova {
 
-// Frees every element, in list order, each with its node. Null elements are passed over.
+// Frees every element with its node, in list order. Accepts null elements.
 template <class T>
 void free_all(std::list<T*>& list) {
     while (!list.empty()) {
@@ -17,7 +17,7 @@ void free_all(std::list<T*>& list) {
     }
 }
 
-// Appends what `copy` makes of each element; the guard holds it until its node exists.
+// Appends a copy of each element. A unique_ptr holds the copy until its list node exists.
 template <class T, class Copy>
 void append_copies(std::list<T*>& to, const std::list<T*>& from, Copy copy) {
     for (const T* element : from) {
@@ -32,12 +32,12 @@ void append_clones(std::list<T*>& to, const std::list<T*>& from) {
     append_copies(to, from, [](const T& element) { return element.clone(); });
 }
 
-// Compares what two pointers point to.
+// Compares the objects behind two pointers.
 inline constexpr auto equal_objects = [](const auto* left, const auto* right) {
     return *left == *right;
 };
 
-// Compares side by side until one list ends: a list equals any that starts with it.
+// Compares pair by pair until the shorter list ends.
 template <class T, class Equal>
 bool equal_side_by_side(const std::list<T>& left, const std::list<T>& right, Equal equal) {
     for (auto l = left.begin(), r = right.begin(); l != left.end() && r != right.end(); ++l, ++r) {

@@ -1,6 +1,6 @@
-// The log-text writer. A line is composed on the stack and appended to the result once: no stream,
-// no locale, no allocation of its own but the result's. The longest text of every piece is known
-// when the program is compiled, and so is the size of the buffer.
+// Writes log texts. Each line is built in a buffer on the stack and appended to the result once:
+// no stream, no locale, no allocation except the result's. The longest text of every piece is known
+// at compile time, and so is the size of the buffer.
 
 #ifndef QOVA_SRC_TEXT_H
 #define QOVA_SRC_TEXT_H
@@ -18,11 +18,11 @@
 
 namespace qova {
 
-// A name takes as many bytes as it fills with NULs, so that it can be copied whole.
+// Every name fills an array of this size, padded with NULs, so that it can be copied as a block.
 inline constexpr std::size_t name_size = 12;
 
-// The greatest number of characters that a piece of a type takes. Literals and numbers stand for
-// themselves, enumerations for their names, an array of bytes for its numbers side by side.
+// The largest number of characters of a piece. Enumerations are printed by name, arrays of bytes as
+// numbers without separators.
 template <class Piece>
 constexpr std::size_t longest() {
     using Element = std::remove_extent_t<Piece>;
@@ -41,7 +41,7 @@ constexpr std::size_t longest() {
 static_assert(longest<char[4]>() == 3 && longest<unsigned char[8]>() == 24 &&
               longest<bool>() == 1 && longest<unsigned int>() == 10 && longest<int>() == 11);
 
-// Each writes a piece and returns the end of it. Numbers: text.cpp.
+// Writes a piece and returns its end. Numbers: text.cpp.
 char* put(char* to, int value);
 char* put(char* to, unsigned int value);
 
@@ -82,8 +82,8 @@ void append(std::string& text, const Piece&... pieces) {
     text.append(line, static_cast<std::size_t>(end - line));
 }
 
-// Appends the log text of an attribute: attributes.cpp. That of an attribute of a class unknown
-// here is asked of the object itself.
+// Appends the log text of an attribute: attributes.cpp. Attributes of other classes render
+// themselves.
 void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
 
 // Appends the log text of a crypto line: crypto.cpp.
@@ -92,7 +92,7 @@ void append_text(std::string& text, const QOVA_Crypto& crypto);
 // Appends the log text of a media: media.cpp.
 void append_text(std::string& text, const QOVA_Media& media);
 
-// Room for texts with common values, such as one key, so that the result seldom has to move.
+// Estimates for common values, such as one key, so that the result rarely has to grow.
 inline constexpr std::size_t usual_crypto_length = 128;
 std::size_t usual_length(const QOVA_Media& media);
 

@@ -52,7 +52,7 @@ endif()
 install(FILES README.md CHANGELOG.md TYPE DOC OPTIONAL)
 install(DIRECTORY examples TYPE DOC PATTERN .clang-tidy EXCLUDE PATTERN *.1 EXCLUDE)
 install(DIRECTORY docs TYPE DOC
-    FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|h|gdb|txt)$")
+    FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|txt)$")
 
 # One archive for each target, `tar -C SYSROOT -xf` it; and with `cpack -G DEB` a Debian package.
 set(CPACK_GENERATOR TGZ)

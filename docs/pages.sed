@@ -1,8 +1,8 @@
-# What Doxygen reads in the place of a page. Pictures lie beside the pages of the reference.
+# Filters a page for Doxygen. In the reference, pictures are in the folder of the pages.
 s|\(\.\./pictures/|(|
-# So do programs.
+# So are programs.
 s#\(\.\./\.\./examples/([a-z_]*\.(h|cpp)\))#(\1#g
-# A list of pages, as in index.md, becomes a tree of them.
+# A list of pages, as in index.md, becomes a tree.
 s,^- \[([^]]*)\]\(((guides/)?[a-z-]*)\.md\),- \\subpage md_docs_\2 "\1",
 :label
 s|^(- \\subpage [a-z_]*)[/-]|\1_|

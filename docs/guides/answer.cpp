@@ -1,12 +1,13 @@
 // The code of answer.md: reads an SDP offer and answers it.
 
 #include <iostream>
+#include <memory>
 #include <string>
 #include <utility>
 
-#include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
+#include "qova/ownership.h"
 #include "sdp_reader.h"
 
 namespace {
@@ -89,7 +90,7 @@ int main() {
     answer.offer = false;
     unsigned short port = QOVA_Capability::AUDIO_PORT_BASE;
     for (QOVA_Media* const media : answer.filteredMedia) {
-        set_address(*media, our_address);
+        qova::replace(media->address, std::unique_ptr<IPAddress>(new IPAddress(our_address)));
         if (media->mediaType == QOVA_Media::MT_AUDIO) {
             answer_audio(*media, port);
             port = static_cast<unsigned short>(port + 2);

@@ -1,20 +1,21 @@
 // The code of build.md: builds an offer by hand.
 
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include "netconf/sdp.h"
-#include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"
+#include "qova/ownership.h"
 #include "socket/address.h"
 
 namespace {
 
 // [crypto]
 void add_crypto(QOVA_Media& media) {
-    QOVA_Crypto& crypto = append<QOVA_Crypto>(media.cryptos);
+    QOVA_Crypto& crypto = qova::append<QOVA_Crypto>(media.cryptos);
     crypto.tag = 1;
     crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
     QOVA_CryptoKey key = {};  // all zero: equality looks at all eight MKI bytes
@@ -22,7 +23,7 @@ void add_crypto(QOVA_Media& media) {
     key.mkiSize = 1;
     key.mki[0] = 1;
     crypto.keys.push_back(key);  // with master key and salt in key.key
-    media.cryptoCount = 1;       // the owner counts
+    media.cryptoCount = 1;       // the owner maintains it
 }
 // [crypto]
 
@@ -33,7 +34,7 @@ int main() {
     QOVA_Capability offer;
     offer.offer = true;
 
-    QOVA_Media& audio = append<QOVA_Media>(offer.filteredMedia);
+    QOVA_Media& audio = qova::append<QOVA_Media>(offer.filteredMedia);
     audio.mediaType = QOVA_Media::MT_AUDIO;
     audio.sndPort = audio.rcvPort = QOVA_Capability::AUDIO_PORT_BASE;  // RTP
     audio.sndPort2 = audio.rcvPort2 = audio.rcvPort + 1;               // RTCP
@@ -41,17 +42,17 @@ int main() {
     if (!IPAddress::Parse("192.168.1.20", address)) {
         return 1;
     }
-    set_address(audio, address);
+    qova::replace(audio.address, std::unique_ptr<IPAddress>(new IPAddress(address)));
     // [media]
 
     // [attributes]
-    QOVA_AudioAttribute& alaw = append<QOVA_AudioAttribute>(audio.attributes);
+    QOVA_AudioAttribute& alaw = qova::append<QOVA_AudioAttribute>(audio.attributes);
     alaw.attributeType = QOVA_Media::AT_AUDIO;
     alaw.codec = CODEC_G711_ALAW;
     alaw.framing = 20;                       // a=ptime, in ms
     alaw.mf = static_cast<QOVA_Codec>(101);  // telephone-event has payload type 101
 
-    QOVA_AudioAttribute& opus = append<QOVA_AudioAttribute>(audio.attributes);
+    QOVA_AudioAttribute& opus = qova::append<QOVA_AudioAttribute>(audio.attributes);
     opus.attributeType = QOVA_Media::AT_AUDIO;
     opus.codec = CODEC_OPUS;
     opus.framing = 20;

@@ -1,14 +1,15 @@
 // The code of log.md: a log text with all kinds of lines that show fields.
 
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 
 #include "netconf/sdp.h"
-#include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"
+#include "qova/ownership.h"
 #include "socket/address.h"
 
 namespace {
@@ -21,9 +22,9 @@ void fill(QOVA_Capability& capability) {
     capability.marked = true;
     capability.passThrough = "m=text 11000 RTP/AVP 98";
 
-    QOVA_Media& audio = append<QOVA_Media>(capability.filteredMedia);
+    QOVA_Media& audio = qova::append<QOVA_Media>(capability.filteredMedia);
     audio.mediaType = QOVA_Media::MT_AUDIO;
-    set_address(audio, address);
+    qova::replace(audio.address, std::unique_ptr<IPAddress>(new IPAddress(address)));
     audio.sndPort = 32000;
     audio.sndPort2 = 32001;
     audio.rcvPort = 32000;
@@ -31,14 +32,14 @@ void fill(QOVA_Capability& capability) {
     audio.amrwbParam->octetAlign = 1;
     audio.opusParam->useDtx = true;
 
-    QOVA_AudioAttribute& payload = append<QOVA_AudioAttribute>(audio.attributes);
+    QOVA_AudioAttribute& payload = qova::append<QOVA_AudioAttribute>(audio.attributes);
     payload.codec = CODEC_G722_2;
     payload.status = QOVA_Media::MS_ACCEPTED;
     payload.framing = 20;
     payload.mxFraming = 40;
     payload.mf = static_cast<QOVA_Codec>(101);
 
-    QOVA_Crypto& crypto = append<QOVA_Crypto>(audio.cryptos);
+    QOVA_Crypto& crypto = qova::append<QOVA_Crypto>(audio.cryptos);
     crypto.tag = 1;
     crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
     QOVA_CryptoKey key = {};
@@ -48,11 +49,11 @@ void fill(QOVA_Capability& capability) {
     crypto.keys.push_back(key);
     audio.cryptoCount = 1;
 
-    QOVA_Media& fax = append<QOVA_Media>(capability.filteredMedia);
+    QOVA_Media& fax = qova::append<QOVA_Media>(capability.filteredMedia);
     fax.mediaType = QOVA_Media::MT_FAX;
     fax.mediaStatus = QOVA_Media::MS_REJECTED;
-    set_address(fax, address);
-    QOVA_FaxAttribute& t38 = append<QOVA_FaxAttribute>(fax.attributes);
+    qova::replace(fax.address, std::unique_ptr<IPAddress>(new IPAddress(address)));
+    QOVA_FaxAttribute& t38 = qova::append<QOVA_FaxAttribute>(fax.attributes);
     t38.transport = FT_T38_UDPTL;
     t38.mxRate = 14400;
     t38.rateMgt = RM_TRFTCF;
@@ -62,7 +63,7 @@ void fill(QOVA_Capability& capability) {
 }
 
 // [lines]
-// One log entry for each line, for a log that takes only lines.
+// Writes one log entry for each line.
 void log_lines(const QOVA_Capability& capability) {
     const std::string text = capability;
     std::istringstream lines(text);

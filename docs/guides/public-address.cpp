@@ -3,21 +3,21 @@
 #include <iostream>
 #include <string>
 
-#include "ownership.h"
 #include "qova/capability.h"
+#include "qova/ownership.h"
 #include "socket/address.h"
 
 namespace {
 
 void add_media(QOVA_Capability& capability, QOVA_Media::e_MediaType type, unsigned short port) {
-    QOVA_Media& media = append<QOVA_Media>(capability.filteredMedia);
+    QOVA_Media& media = qova::append<QOVA_Media>(capability.filteredMedia);
     media.mediaType = type;
     media.mediaStatus = port == 0 ? QOVA_Media::MS_REJECTED : QOVA_Media::MS_ACCEPTED;
     media.sndPort = media.rcvPort = port;
 }
 
 // [fits]
-// Whether a port stays within 1 to 65535 when its plan moves from one base to another.
+// Returns true if a port stays within 1 to 65535 when its base moves.
 bool fits(unsigned short port, unsigned short from, unsigned short to) {
     const int moved = port - from + to;
     return moved >= 1 && moved <= 65535;
@@ -54,7 +54,7 @@ int main() {
 
     const QOVA_Media& audio = *offer.filteredMedia.front();
     if (!fits(audio.rcvPort, QOVA_Capability::AUDIO_PORT_BASE, audio_base)) {
-        return 1;  // the library would compute modulo 65536
+        return 1;  // the port would wrap around
     }
     offer.setPublicAddrPort(outside, audio_base, fax_base);
     // [move]

@@ -4,10 +4,10 @@
 #include <string>
 
 #include "changes.h"
-#include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"
+#include "qova/ownership.h"
 
 namespace {
 
@@ -24,10 +24,10 @@ void report(const char* what, bool equal, bool changed) {
 
 int main() {
     QOVA_Capability before;
-    QOVA_Media& audio = append<QOVA_Media>(before.filteredMedia);
+    QOVA_Media& audio = qova::append<QOVA_Media>(before.filteredMedia);
     audio.mediaType = QOVA_Media::MT_AUDIO;
-    append<QOVA_AudioAttribute>(audio.attributes).codec = CODEC_G722;
-    append<QOVA_Crypto>(audio.cryptos).keys.push_back({});
+    qova::append<QOVA_AudioAttribute>(audio.attributes).codec = CODEC_G722;
+    qova::append<QOVA_Crypto>(audio.cryptos).keys.push_back({});
 
     report("the same object", before == before, changed(before, before));
 
@@ -43,7 +43,7 @@ int main() {
     {
         // Neither has parameter objects while they are compared.
         QOVA_Media longer(audio);
-        append<QOVA_AudioAttribute>(longer.attributes);
+        qova::append<QOVA_AudioAttribute>(longer.attributes);
         const bool same = same_media(audio, longer);
         const ParametersAside audio_aside(audio);
         const ParametersAside longer_aside(longer);

@@ -1,47 +1,47 @@
-"""Draws a call as the side that answers sees it: the SIP messages as a ladder, and beside each what
-the example's modules do with it and what they use of the library."""
+"""Draws a call as the answering side sees it: the SIP messages as a ladder, and beside each message
+what the tools do with it and what they use of the library."""
 
 from xml.sax.saxutils import escape
 
 CALLER, ANSWERER = 70, 300  # the lifelines
 MODULE, DOES, USES, RIGHT = 352, 454, 704, 1030
 ROW, LINE = 27, 15
-NEXT = 16  # before what begins anew
+NEXT = 16  # the gap between transactions
 IN, BACK = "in", "back"
 
-# A message: its direction, name, and what matters of its body. A step: the module, what it does, and
-# what it uses of the library, line by line.
+# A message: direction, name, the point of its body, and steps. A step: the source file, what it does,
+# and what it uses of the library.
 CALL = [
     (IN, "INVITE", "offer: audio, video", [
-        ("sdp_reader", "reads the offer", ["QOVA_Capability, offer = true", "a QOVA_Media for each line"]),
-        ("answerer", "copies the lines that it accepts,\nand leaves the codecs in common",
+        ("reader", "reads the offer", ["QOVA_Capability, offer = true", "a QOVA_Media for each line"]),
+        ("answerer", "copies the accepted lines\nwith the codecs in common",
          ["QOVA_Media(const QOVA_Media&)", "find(QOVA_Codec)"]),
         ("call_side", "moves a copy to the public plan",
          ["QOVA_Capability(const QOVA_Capability&)", "setPublicAddrPort"]),
-        ("sdp_writer", "writes the answer", ["rcvPort, bsnd, brcv, cryptos"]),
-        ("call_side", "logs offer, answer and public one,\nand keeps the first and the last",
+        ("writer", "writes the answer", ["rcvPort, bsnd, brcv, cryptos"]),
+        ("call_side", "logs the offer and both answers,\nkeeps the offer and the public answer",
          ["operator const std::string"]),
     ]),
     (BACK, "200 OK", "answer: audio, no video", []),
     (IN, "ACK", "", []),
     (IN, "re-INVITE", "the same offer", [
-        ("call_side", "finds it the same to the byte, reads\nnothing anew, and logs “unchanged”", []),
+        ("call_side", "finds the same bytes\nand logs “unchanged”", []),
     ]),
     (BACK, "200 OK", "the same answer", []),
     (IN, "ACK", "", []),
     (IN, "re-INVITE", "hold: a=sendonly", [
-        ("sdp_reader", "reads the offer", ["hold = true, brcv = false"]),
-        ("answerer", "answers it as before", ["bsnd = false"]),
+        ("reader", "reads the offer", ["hold = true, brcv = false"]),
+        ("answerer", "answers it like the first", ["bsnd = false"]),
         ("call_side", "moves a copy to the public plan", ["setPublicAddrPort"]),
-        ("sdp_writer", "writes it as the next version", ["rcvPort, bsnd, brcv, cryptos"]),
-        ("changes", "compares offer and answer\nwith those of before",
-         ["operator== of QOVA_Media,", "its parameters aside"]),
-        ("call_side", "logs all three, and “changed”", ["operator const std::string"]),
+        ("writer", "writes the next version", ["rcvPort, bsnd, brcv, cryptos"]),
+        ("changes", "compares offer and answer\nwith the previous ones",
+         ["operator== of QOVA_Media,", "without its parameters"]),
+        ("call_side", "logs all three and “changed”", ["operator const std::string"]),
     ]),
     (BACK, "200 OK", "a=recvonly, version 2", []),
     (IN, "ACK", "", []),
     (IN, "BYE", "", [
-        ("call_side", "is destroyed", ["~QOVA_Capability frees all it owns"]),
+        ("call_side", "is destroyed", ["~QOVA_Capability frees its media"]),
     ]),
     (BACK, "200 OK", "", []),
 ]

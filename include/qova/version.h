@@ -6,7 +6,7 @@
 #define QOVA_VERSION_H
 
 #define QOVA_VERSION_MAJOR 1  ///< Changes with the ABI; the number in the SONAME.
-#define QOVA_VERSION_MINOR 0  ///< Changes with an addition.
+#define QOVA_VERSION_MINOR 1  ///< Changes with an addition.
 #define QOVA_VERSION_PATCH 0  ///< Changes with a fix.
 
 #endif

@@ -1,6 +1,6 @@
 /// @file
 /// SDP parameters: a small stand-in for the classes of the sibling library libnetconf. libqova
-/// calls nothing here but what docs/companion.md lists.
+/// uses only what docs/companion.md lists.
 
 #ifndef QOVA_COMPANION_NETCONF_SDP_H
 #define QOVA_COMPANION_NETCONF_SDP_H
@@ -25,14 +25,14 @@ enum g_crypto_suite : int {
     CS_AEAD_AES_256_GCM            ///< RFC 7714
 };
 
-/// SDP in objects.
+/// SDP parameters as objects.
 namespace Sdp {
 
 /// The AMR-WB format parameters of a media line (RFC 4867, section 8.2). The order of the members
 /// is ABI.
 class Sdp_Amrwb_Param {
 public:
-    /// What stands for no value.
+    /// Marks a parameter that was not given.
     enum : int {
         ABSENT = 255  ///< The parameter was not given.
     };
@@ -51,9 +51,9 @@ public:
 
     virtual ~Sdp_Amrwb_Param() = default;
 
-    /// The parameters that were given, the payload type first, as
+    /// Returns the given parameters, the payload type first, as
     /// " AMR-WB(payload-type=98; octet-align=1; mode-set=0,2)".
-    /// @return the text; empty when none was given
+    /// @return the text; empty if no parameter was given
     /// @throws std::bad_alloc when memory runs out
     operator const std::string() const;
 };
@@ -74,8 +74,8 @@ public:
 
     virtual ~Sdp_Opus_Param() = default;
 
-    /// The parameters that were given as " opus(maxplaybackrate=48000; stereo=1)".
-    /// @return the text; empty when none was given
+    /// Returns the given parameters as " opus(maxplaybackrate=48000; stereo=1)".
+    /// @return the text; empty if no parameter was given
     /// @throws std::bad_alloc when memory runs out
     operator const std::string() const;
 };
@@ -83,14 +83,14 @@ public:
 /// The names of crypto suites.
 class CryptoParser {
 public:
-    /// The SDP name of a suite.
+    /// Returns the SDP name of a suite.
     /// @param suite any value
     /// @return the registered name; "NIL" for #CS_NIL and for any value without an enumerator
     /// @throws std::bad_alloc when memory runs out
     static std::string enumToAlgo(const g_crypto_suite& suite);
 
-    /// The suite of an SDP name, the inverse of enumToAlgo().
-    /// @param name a registered name, in its own letter case
+    /// Returns the suite with an SDP name, the inverse of enumToAlgo().
+    /// @param name a registered name; case-sensitive
     /// @return the suite; #CS_NIL for any other text
     static g_crypto_suite algoToEnum(const std::string& name);
 };

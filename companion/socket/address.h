@@ -1,6 +1,6 @@
 /// @file
 /// Network addresses: a small stand-in for the address classes of the sibling library libsocket.
-/// libqova calls nothing here but what docs/companion.md lists.
+/// libqova uses only what docs/companion.md lists.
 
 #ifndef QOVA_COMPANION_SOCKET_ADDRESS_H
 #define QOVA_COMPANION_SOCKET_ADDRESS_H
@@ -99,18 +99,18 @@ private:
 /// A UDP endpoint. It owns a copy of its IP address.
 class UDPAddr {
 public:
-    /// An endpoint with a copy of an address.
+    /// Makes an endpoint with a copy of an address.
     /// @param ip the IP address
     /// @param port the UDP port
     /// @throws std::bad_alloc when memory runs out
     UDPAddr(const INetAddress& ip, unsigned short port);
 
-    /// A copy with an address of its own.
+    /// Makes a copy with its own address.
     /// @param other the source
     /// @throws std::bad_alloc when memory runs out
     UDPAddr(const UDPAddr& other);
 
-    /// Takes over a copy of the other's address, and its port; unchanged when that throws.
+    /// Copies the other's address and port. Unchanged if that throws.
     /// @param other the source
     /// @return this endpoint
     /// @throws std::bad_alloc when memory runs out

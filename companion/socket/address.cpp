@@ -55,7 +55,10 @@ const unsigned char* IPAddress::Bytes() const {
 }
 
 bool IPAddress::IsLoopback() const {
-    return isV6 ? IsEqual("::1") : bytes[0] == 127;
+    if (isV6) {
+        return IsEqual("::1");
+    }
+    return bytes[0] == 127;
 }
 
 bool IPAddress::IsMulticast() const {
@@ -71,11 +74,9 @@ bool IPAddress::IsEqual(const std::string& text) const {
 }
 
 bool IPAddress::IsPrivate() const {
-    if (isV6) {
-        return (bytes[0] & 0xfeU) == 0xfc;
-    }
-    return bytes[0] == 10 || (bytes[0] == 172 && (bytes[1] & 0xf0U) == 16) ||
-           (bytes[0] == 192 && bytes[1] == 168);
+    return isV6 ? (bytes[0] & 0xfeU) == 0xfc
+                : bytes[0] == 10 || (bytes[0] == 172 && (bytes[1] & 0xf0U) == 16) ||
+                      (bytes[0] == 192 && bytes[1] == 168);
 }
 
 int IPAddress::IsAny() const {

@@ -165,12 +165,8 @@ void QOVA_Capability::setLocalAddrPort(const UDPAddr& addr, unsigned short audio
 }
 
 QOVA_Capability::operator const std::string() const {
-    std::size_t length = 80 + passThrough.size();
-    for (const QOVA_Media* media : filteredMedia) {
-        length += qova::usual_length(*media);
-    }
     std::string text;
-    text.reserve(length);
+    text.reserve(80 + qova::usual_media_length * filteredMedia.size() + passThrough.size());
     text += "Capability(";
     text += offer ? "offer, " : "answer, ";
     text += hold ? "Hold, " : "Not Hold, ";

@@ -156,13 +156,9 @@ void qova::append_text(std::string& text, const QOVA_Media& media) {
     }
 }
 
-std::size_t qova::usual_length(const QOVA_Media& media) {
-    return 160 + 112 * media.attributes.size() + usual_crypto_length * media.cryptos.size();
-}
-
 QOVA_Media::operator const std::string() const {
     std::string text;
-    text.reserve(qova::usual_length(*this));
+    text.reserve(qova::usual_media_length);
     qova::append_text(text, *this);
     return text;
 }

@@ -92,9 +92,9 @@ void append_text(std::string& text, const QOVA_Crypto& crypto);
 // Appends the log text of a media: media.cpp.
 void append_text(std::string& text, const QOVA_Media& media);
 
-// Estimates for common values, such as one key, so that the result rarely has to grow.
+// Estimates for texts of usual length, so that the result rarely has to grow.
 inline constexpr std::size_t usual_crypto_length = 128;
-std::size_t usual_length(const QOVA_Media& media);
+inline constexpr std::size_t usual_media_length = 1024;
 
 }  // namespace qova
 

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t payloads = 8;
-constexpr std::size_t crypto_lines = 8;
+constexpr std::size_t crypto_lines = 2;
 // A media has its node, itself, its address and two parameter objects; a payload its node and
 // itself; a crypto line also the node of its key.
 constexpr std::size_t blocks_of_audio = 4 + 2 * payloads + 3 * crypto_lines;

@@ -1,9 +1,11 @@
-// What the operations allocate, to the block, on an offer of two lines.
+// How many blocks each operation allocates, and in which order a media makes its own.
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "allocations.h"
 #include "building_blocks.h"
@@ -18,42 +20,40 @@ constexpr std::size_t blocks_of_audio = 4 + 2 * payloads + 3 * crypto_lines;
 constexpr std::size_t blocks_of_fax = 4 + 2;
 constexpr std::size_t blocks = 1 + blocks_of_audio + 1 + blocks_of_fax;
 
+QOVA_Capability make_offer() {
+    QOVA_Capability offer;
+    auto& audio = append_media(offer, QOVA_Media::MT_AUDIO);
+    for (std::size_t i = 0; i < payloads; ++i) {
+        append_audio(audio, CODEC_G729);
+    }
+    for (std::size_t i = 0; i < crypto_lines; ++i) {
+        auto& crypto = append_crypto(audio, 1);
+        crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
+        crypto.keys.push_back({});
+    }
+    append_fax(append_media(offer, QOVA_Media::MT_FAX), FT_NIL);
+    return offer;
+}
+
 class CountedAllocations : public testing::Test {
 protected:
-    CountedAllocations() {
-        fill(offer);
-        fill(same);
-    }
-
-    // Two lines, audio and fax.
-    static void fill(QOVA_Capability& capability) {
-        auto& audio = append_media(capability, QOVA_Media::MT_AUDIO);
-        for (std::size_t i = 0; i < payloads; ++i) {
-            append_audio(audio, CODEC_G729);
-        }
-        for (std::size_t i = 0; i < crypto_lines; ++i) {
-            auto& crypto = append_crypto(audio, 1);
-            crypto.algo = CS_AES_CM_128_HMAC_SHA1_80;
-            crypto.keys.push_back({});
-        }
-        append_fax(append_media(capability, QOVA_Media::MT_FAX), FT_NIL);
-    }
-
-    template <typename Operation>
+    template <class Operation>
     static std::size_t made_by(Operation operation) {
         const std::size_t before = allocations::made();
         operation();
         return allocations::made() - before;
     }
 
-    QOVA_Capability offer;
-    QOVA_Capability same;
+    QOVA_Capability offer = make_offer();
+    QOVA_Capability same = make_offer();
+    const QOVA_Media& audio = *offer.filteredMedia.front();
 };
 
-TEST_F(CountedAllocations, ACopyMakesOneBlockForEachObjectAndListNode) {
+TEST_F(CountedAllocations, CopyMakesOneForEachObjectAndListNode) {
     EXPECT_EQ(made_by([&] { const QOVA_Capability copy(offer); }), blocks);
     EXPECT_EQ(made_by([&] { same = offer; }), blocks);
-    EXPECT_EQ(made_by([&] { delete offer.filteredMedia.front()->clone(); }), blocks_of_audio);
+    EXPECT_EQ(made_by([&] { const std::unique_ptr<QOVA_Media> copy(audio.clone()); }),
+              blocks_of_audio);
 }
 
 TEST_F(CountedAllocations, EqualityMakesNone) {
@@ -65,7 +65,7 @@ TEST_F(CountedAllocations, EqualityMakesNone) {
     EXPECT_EQ(made_by([&] { EXPECT_TRUE(offer == same); }), 0U);
 }
 
-TEST_F(CountedAllocations, SearchesMakeNoneButTheNodesOfAList) {
+TEST_F(CountedAllocations, SearchesMakeOnlyTheNodesOfAList) {
     EXPECT_EQ(made_by([&] {
                   EXPECT_NE(offer.find(CODEC_G729), nullptr);
                   EXPECT_EQ(offer.find(CODEC_OPUS), nullptr);
@@ -77,7 +77,7 @@ TEST_F(CountedAllocations, SearchesMakeNoneButTheNodesOfAList) {
     EXPECT_EQ(made_by([&] { offer.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_UNKNOWN); }), 1U);
 }
 
-TEST_F(CountedAllocations, MovesMakeTheNewAddressesOnly) {
+TEST_F(CountedAllocations, EditsMakeOnlyTheNewAddresses) {
     const UDPAddr to = endpoint("192.0.2.100");
     EXPECT_EQ(made_by([&] { offer.setPublicAddrPort(to, 40000, 7000); }), 2U);
     EXPECT_EQ(made_by([&] { offer.setLocalAddrPort(to, 40000, 7000); }), 2U);
@@ -88,15 +88,35 @@ TEST_F(CountedAllocations, MovesMakeTheNewAddressesOnly) {
               0U);
 }
 
-// The names of the suites are the companion's strings.
-TEST_F(CountedAllocations, ATextIsMadeInOneBlockBesideTheNamesOfTheSuites) {
+// The names of the crypto suites are strings of the companion.
+TEST_F(CountedAllocations, TextMakesOneBesideTheNamesOfTheSuites) {
     offer.passThrough = std::string(10000, 'x');
     std::string text;
     EXPECT_EQ(made_by([&] { text = std::string(offer); }), 1 + crypto_lines);
-    EXPECT_EQ(made_by([&] { text = std::string(*offer.filteredMedia.front()); }), 1 + crypto_lines);
-    EXPECT_EQ(made_by([&] { text = std::string(*offer.filteredMedia.front()->cryptos.front()); }),
-              2U);
+    EXPECT_EQ(made_by([&] { text = std::string(audio); }), 1 + crypto_lines);
+    EXPECT_EQ(made_by([&] { text = std::string(*audio.cryptos.front()); }), 2U);
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
+}
+
+// The sizes of the blocks show the order.
+TEST(OrderOfBlocks, IsAddressAmrwbOpus) {
+    const std::vector<std::size_t> expected = {sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
+                                               sizeof(Sdp::Sdp_Opus_Param)};
+    const QOVA_Media source;
+    std::vector<std::size_t> made;
+    std::vector<std::size_t> copied;
+    for (std::size_t nth = 1; nth <= expected.size(); ++nth) {
+        const allocations::Failure failure(nth);
+        EXPECT_THROW(QOVA_Media(), std::bad_alloc);
+        made.push_back(allocations::Failure::size());
+    }
+    for (std::size_t nth = 1; nth <= expected.size(); ++nth) {
+        const allocations::Failure failure(nth);
+        EXPECT_THROW(QOVA_Media copy(source), std::bad_alloc);
+        copied.push_back(allocations::Failure::size());
+    }
+    EXPECT_EQ(made, expected);
+    EXPECT_EQ(copied, expected);
 }
 
 }  // namespace

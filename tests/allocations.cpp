@@ -1,6 +1,7 @@
 #include "allocations.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -23,6 +24,7 @@ void* allocate(std::size_t size) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
+    std::memset(block, 0xa5, size);  // shows a member that no constructor sets
     ++live_count;
     ++made_count;
     return block;

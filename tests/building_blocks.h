@@ -1,22 +1,17 @@
-// What all tests build with: addresses, keys, filled objects of every class, and classes derived
-// from them. A list takes over what append() makes, as the guides teach it.
+// What the tests build with: addresses, payloads, keys, and filled objects of every class.
 
 #ifndef QOVA_TESTS_BUILDING_BLOCKS_H
 #define QOVA_TESTS_BUILDING_BLOCKS_H
 
-#include <cstddef>
-#include <list>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 #include <string>
-#include <typeinfo>
 
-#include "../docs/guides/ownership.h"
 #include "netconf/sdp.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"
+#include "qova/ownership.h"
 #include "socket/address.h"
 
 // ---- Pieces ----
@@ -34,7 +29,7 @@ inline UDPAddr endpoint(const char* text) {
 }
 
 inline void set_address(QOVA_Media& media, const char* text) {
-    set_address(media, ip(text));
+    qova::replace(media.address, std::make_unique<IPAddress>(ip(text)));
 }
 
 inline QOVA_Codec payload_type(int number) {
@@ -43,20 +38,20 @@ inline QOVA_Codec payload_type(int number) {
 
 inline QOVA_AudioAttribute& append_audio(QOVA_Media& media, QOVA_Codec codec,
                                          QOVA_Codec mf = CODEC_NIL) {
-    auto& audio = append<QOVA_AudioAttribute>(media.attributes);
+    auto& audio = qova::append<QOVA_AudioAttribute>(media.attributes);
     audio.codec = codec;
     audio.mf = mf;
     return audio;
 }
 
 inline QOVA_FaxAttribute& append_fax(QOVA_Media& media, QOVA_FaxTransport transport) {
-    auto& fax = append<QOVA_FaxAttribute>(media.attributes);
+    auto& fax = qova::append<QOVA_FaxAttribute>(media.attributes);
     fax.transport = transport;
     return fax;
 }
 
 inline QOVA_Crypto& append_crypto(QOVA_Media& media, unsigned int tag) {
-    auto& crypto = append<QOVA_Crypto>(media.cryptos);
+    auto& crypto = qova::append<QOVA_Crypto>(media.cryptos);
     crypto.tag = tag;
     return crypto;
 }
@@ -64,7 +59,7 @@ inline QOVA_Crypto& append_crypto(QOVA_Media& media, unsigned int tag) {
 template <class Media = QOVA_Media>
 Media& append_media(QOVA_Capability& capability, QOVA_Media::e_MediaType type,
                     QOVA_Media::e_MediaStatus status = QOVA_Media::MS_ACCEPTED) {
-    auto& media = append<Media>(capability.filteredMedia);
+    auto& media = qova::append<Media>(capability.filteredMedia);
     media.mediaType = type;
     media.mediaStatus = status;
     return media;
@@ -83,31 +78,12 @@ inline QOVA_CryptoKey key_of(unsigned int lifetime, unsigned char first_byte_of_
     return key;
 }
 
-// Parameter objects are compared by identity: without any, two media can be equal.
+// Parameter objects are compared by identity: only without them can two media be equal.
 inline QOVA_Media& drop_parameters(QOVA_Media& media) {
-    delete media.amrwbParam;
-    media.amrwbParam = nullptr;
-    delete media.opusParam;
-    media.opusParam = nullptr;
+    qova::replace(media.amrwbParam, std::unique_ptr<Sdp::Sdp_Amrwb_Param>());
+    qova::replace(media.opusParam, std::unique_ptr<Sdp::Sdp_Opus_Param>());
     return media;
 }
-
-// ---- Derived classes ----
-
-template <class Base>
-class Derived : public Base {
-public:
-    Derived* clone() const override { return new Derived(*this); }
-};
-
-// A user's own attribute, which keeps the base's equality.
-class OwnAttribute : public QOVA_MediaAttribute {
-public:
-    OwnAttribute* clone() const override { return new OwnAttribute(*this); }
-    operator const std::string() const override { return text; }
-
-    const char* text = "the text of a user's own attribute\n";
-};
 
 // ---- Filled objects: each member differs from its default, and from the others where it can ----
 
@@ -186,10 +162,10 @@ inline void fill(Sdp::Sdp_Opus_Param& parameters) {
 inline void fill(QOVA_Media& media) {
     media.mediaStatus = QOVA_Media::MS_MODIFIED;
     media.mediaType = QOVA_Media::MT_AUDIO;
-    fill(append<QOVA_AudioAttribute>(media.attributes));
-    fill(append<QOVA_FaxAttribute>(media.attributes));
-    fill(append<QOVA_VideoAttribute>(media.attributes));
-    fill(append<QOVA_DataAttribute>(media.attributes));
+    fill(qova::append<QOVA_AudioAttribute>(media.attributes));
+    fill(qova::append<QOVA_FaxAttribute>(media.attributes));
+    fill(qova::append<QOVA_VideoAttribute>(media.attributes));
+    fill(qova::append<QOVA_DataAttribute>(media.attributes));
     set_address(media, "2001:db8:1111:2222:3333:4444:5555:6666");
     media.bsnd = false;  // brcv stays true, to differ from it
     media.sndPort = 4000;
@@ -199,11 +175,11 @@ inline void fill(QOVA_Media& media) {
     fill(*media.amrwbParam);
     fill(*media.opusParam);
     media.cryptoCount = 5;
-    fill(append<QOVA_Crypto>(media.cryptos));
+    fill(qova::append<QOVA_Crypto>(media.cryptos));
 }
 
 inline void fill(QOVA_Capability& capability) {
-    fill(append<QOVA_Media>(capability.filteredMedia));
+    fill(qova::append<QOVA_Media>(capability.filteredMedia));
     append_fax(append_media(capability, QOVA_Media::MT_FAX, QOVA_Media::MS_REJECTED), FT_T38_TCP);
     capability.marked = true;
     capability.offer = true;
@@ -220,92 +196,6 @@ std::unique_ptr<Object> full() {
     auto object = std::make_unique<Object>();
     fill(*object);
     return object;
-}
-
-// ---- All members of an object as a text, those that no log text shows included ----
-
-// With the addresses of what it owns, or without, to compare two objects.
-enum Places { NO_PLACES, PLACES };
-
-template <class Object>
-std::string class_of(const Object& object, Places places) {
-    std::ostringstream out;
-    out << typeid(object).name();
-    if (places == PLACES) {
-        out << ' ' << &object;
-    }
-    out << '{';
-    return out.str();
-}
-
-inline std::string members(const UDPAddr& address, Places places = NO_PLACES) {
-    return class_of(*address.ipAddress, places) + address.ipAddress->ToString() + ' ' +
-           std::to_string(address.port);
-}
-
-inline std::string members(const Sdp::Sdp_Amrwb_Param& parameters, Places places = NO_PLACES) {
-    return class_of(parameters, places) + static_cast<std::string>(parameters);
-}
-
-inline std::string members(const Sdp::Sdp_Opus_Param& parameters, Places places = NO_PLACES) {
-    return class_of(parameters, places) + static_cast<std::string>(parameters);
-}
-
-inline std::string members(const QOVA_MediaAttribute& attribute, Places places = NO_PLACES) {
-    std::ostringstream out;
-    out << class_of(attribute, places) << attribute.status << ' ' << attribute.attributeType
-        << static_cast<std::string>(attribute);
-    if (const auto* const data = dynamic_cast<const QOVA_DataAttribute*>(&attribute)) {
-        out << data->type;
-    }
-    return out.str();
-}
-
-inline std::string members(const QOVA_CryptoKey& key) {
-    std::ostringstream out;
-    out << key.lifetime << ' ' << unsigned{key.mkiSize};
-    for (const unsigned byte : key.mki) {
-        out << ' ' << byte;
-    }
-    for (const unsigned byte : key.key) {
-        out << ' ' << byte;
-    }
-    return out.str();
-}
-
-inline std::string members(const QOVA_Crypto& crypto, Places places = NO_PLACES) {
-    std::ostringstream out;
-    out << class_of(crypto, places) << crypto.tag << ' ' << crypto.algo << '\n';
-    for (const QOVA_CryptoKey& key : crypto.keys) {
-        out << members(key) << '\n';
-    }
-    return out.str();
-}
-
-inline std::string members(const QOVA_Media& media, Places places = NO_PLACES) {
-    std::ostringstream out;
-    out << class_of(media, places) << static_cast<std::string>(media) << media.mediaStatus << ' '
-        << media.mediaType << class_of(*media.address, places) << members(*media.amrwbParam, places)
-        << members(*media.opusParam, places);
-    for (const QOVA_MediaAttribute* const attribute : media.attributes) {
-        out << members(*attribute, places);
-    }
-    for (const QOVA_Crypto* const crypto : media.cryptos) {
-        out << members(*crypto, places);
-    }
-    return out.str();
-}
-
-inline std::string members(const QOVA_Capability& capability, Places places = NO_PLACES) {
-    std::ostringstream out;
-    out << static_cast<std::string>(capability);
-    for (const int spare : {capability.spare1, capability.spare2, capability.spare3}) {
-        out << spare << ' ';
-    }
-    for (const QOVA_Media* const media : capability.filteredMedia) {
-        out << members(*media, places);
-    }
-    return out.str();
 }
 
 #endif

@@ -1,4 +1,4 @@
-// Rows of tables that a parameterised test walks: a name for the test, a value, and its text.
+// Rows of the tables that parameterised tests walk. Each row names its test.
 
 #ifndef QOVA_TESTS_ROWS_H
 #define QOVA_TESTS_ROWS_H
@@ -8,39 +8,58 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <type_traits>
 
-template <typename Value>
+// A value, and its text.
+template <class Value>
 struct Row {
-    const char* name;  // letters, digits and underscores
+    const char* name;
     Value value;
     const char* text;
 };
 
-template <typename Value>
+template <class Value>
 void PrintTo(const Row<Value>& row, std::ostream* out) {
     *out << row.name;
 }
 
-// A field of a class, and a change to it.
-template <typename Class>
+// A change to an object, and the text after it.
+template <class Class>
+using TextRow = Row<void (*)(Class& object)>;
+
+// A member, and a change to it.
+template <class Class>
 struct Change {
     const char* name;
     void (*apply)(Class& object);
 };
 
-template <typename Class>
+template <class Class>
 void PrintTo(const Change<Class>& change, std::ostream* out) {
     *out << change.name;
 }
 
+// Change::apply for a flag, a number or an enumeration: a single bit, far from the others, so that
+// a comparison of fewer bits does not see it.
+template <auto member, class Class>
+void flip_highest_bit(Class& object) {
+    auto& field = object.*member;
+    using Field = std::remove_reference_t<decltype(field)>;
+    if constexpr (std::is_same_v<Field, bool>) {
+        field = !field;
+    } else {
+        field = static_cast<Field>(static_cast<unsigned>(field) ^ 1U << (8 * sizeof(Field) - 1));
+    }
+}
+
 // A way to copy an object.
-template <typename Class>
+template <class Class>
 struct CopyPath {
     const char* name;
     std::unique_ptr<Class> (*copy)(const Class& source);
 };
 
-template <typename Class>
+template <class Class>
 void PrintTo(const CopyPath<Class>& path, std::ostream* out) {
     *out << path.name;
 }

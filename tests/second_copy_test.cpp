@@ -28,7 +28,7 @@ TEST_F(SecondCopy, HasTypeInformationOfItsOwn) {
 
 TEST_F(SecondCopy, HasEqualAttributes) {
     auto their = theirs->attributes.begin();
-    for (const QOVA_MediaAttribute* our : ours->attributes) {
+    for (const QOVA_MediaAttribute* const our : ours->attributes) {
         expect_equal(*our, **their++);
     }
     expect_unequal(*ours->attributes.front(), *theirs->attributes.back());

@@ -47,7 +47,6 @@ private:
 
 inline const IPAddress IPAddress::IpAddressAny;
 
-// Borrows its address.
 class UDPAddr {
 public:
     UDPAddr(const INetAddress& address, unsigned short number)

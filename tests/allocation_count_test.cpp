@@ -1,11 +1,10 @@
-// How many blocks each operation allocates, and in which order a media makes its own.
+// How many blocks each operation allocates.
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "allocations.h"
 #include "building_blocks.h"
@@ -96,27 +95,6 @@ TEST_F(CountedAllocations, TextMakesOneBesideTheNamesOfTheSuites) {
     EXPECT_EQ(made_by([&] { text = std::string(audio); }), 1 + crypto_lines);
     EXPECT_EQ(made_by([&] { text = std::string(*audio.cryptos.front()); }), 2U);
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
-}
-
-// The sizes of the blocks show the order.
-TEST(OrderOfBlocks, IsAddressAmrwbOpus) {
-    const std::vector<std::size_t> expected = {sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
-                                               sizeof(Sdp::Sdp_Opus_Param)};
-    const QOVA_Media source;
-    std::vector<std::size_t> made;
-    std::vector<std::size_t> copied;
-    for (std::size_t nth = 1; nth <= expected.size(); ++nth) {
-        const allocations::Failure failure(nth);
-        EXPECT_THROW(QOVA_Media(), std::bad_alloc);
-        made.push_back(allocations::Failure::size());
-    }
-    for (std::size_t nth = 1; nth <= expected.size(); ++nth) {
-        const allocations::Failure failure(nth);
-        EXPECT_THROW(QOVA_Media copy(source), std::bad_alloc);
-        copied.push_back(allocations::Failure::size());
-    }
-    EXPECT_EQ(made, expected);
-    EXPECT_EQ(copied, expected);
 }
 
 }  // namespace

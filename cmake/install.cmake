@@ -45,12 +45,12 @@ if(TARGET qova-sdp)
     cmake_path(RELATIVE_PATH libraries_from_bin BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR})
     set_target_properties(qova-sdp PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_bin}")
     install(TARGETS qova-sdp)
-    install(FILES examples/qova-sdp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES tools/qova-sdp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 
 # All pages keep their place to each other, so that the links between them hold.
 install(FILES README.md CHANGELOG.md TYPE DOC OPTIONAL)
-install(DIRECTORY examples TYPE DOC PATTERN .clang-tidy EXCLUDE PATTERN *.1 EXCLUDE)
+install(DIRECTORY tools TYPE DOC PATTERN .clang-tidy EXCLUDE PATTERN *.1 EXCLUDE)
 install(DIRECTORY docs TYPE DOC
     FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|h|gdb|txt)$")
 

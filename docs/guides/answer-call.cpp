@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "call_side.h"
+#include "answer/call_side.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "ownership.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
-#include "sdp_reader.h"
+#include "sdp/reader.h"
 
 namespace {
 

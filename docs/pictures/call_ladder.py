@@ -1,5 +1,5 @@
 """Draws a call as the side that answers sees it: the SIP messages as a ladder, and beside each what
-the example's modules do with it and what they use of the library."""
+the tools do with it and what they use of the library."""
 
 from xml.sax.saxutils import escape
 

@@ -131,8 +131,8 @@ class Commands(ProgramCase):
                 (["--codec=G722", "--codec=PCMU", "--codec=G722"], b"0 9", b"6666")):
             output, _ = self.succeed(*ANSWER, *options, "-", text=offer)
             self.assertEqual(re.findall(rb"m=.*(?=\r)", output),
-                             [b"audio 32000 RTP/AVP " + payloads,
-                              b"image " + fax_port + b" udptl t38"])
+                             [b"m=audio 32000 RTP/AVP " + payloads,
+                              b"m=image " + fax_port + b" udptl t38"])
 
     def test_rejections(self):
         text = OFFER + b"m=video 5006 RTP/AVP 31\r\n"

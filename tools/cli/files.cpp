@@ -80,14 +80,14 @@ void write_file(const std::string& file, const std::string& text) {
     std::string temporary = target + ".XXXXXX";
     const int descriptor = ::mkstemp(temporary.data());
     if (descriptor < 0) {
-        throw FileError(target, errno);
+        throw FileError(file, errno);
     }
     try {
-        const File stream = checked(::fdopen(descriptor, "wb"), target);
-        write_to(stream.get(), target, text);
+        const File stream = checked(::fdopen(descriptor, "wb"), file);
+        write_to(stream.get(), file, text);
         if (::fchmod(descriptor, mode) != 0 || ::fsync(descriptor) != 0 ||
             std::rename(temporary.c_str(), target.c_str()) != 0) {
-            throw FileError(target, errno);
+            throw FileError(file, errno);
         }
     } catch (const FileError&) {
         ::unlink(temporary.c_str());

@@ -260,39 +260,37 @@ void check_families(const Options& options) {
 
 std::string usage() {
     return "usage: qova-sdp log [OPTION]... FILE...\n"
-           "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]... "
-           "FILE...\n"
+           "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]...\n"
+           "                FILE...\n"
            "       qova-sdp answer --local ADDRESS [OPTION]... OFFER\n"
            "       qova-sdp --help | --version\n"
            "\n"
-           "Reads a session description (SDP) from each FILE, or from standard input if FILE is "
-           "'-'.\n"
-           "A file may also hold a SIP message or a multipart body with a description in it.\n"
+           "Reads a session description (SDP) from each FILE, or from standard input if FILE\n"
+           "is '-'. A FILE can also be a SIP message or a multipart body.\n"
            "\n"
-           "  log     prints the media capability of the description\n"
-           "  move    prints the description, moved from the local addresses and ports to public\n"
-           "          ones, and the command that moves it back\n"
-           "  answer  prints an answer, both media capabilities, and why lines are rejected\n"
-           "\n"
-           "Only results go to standard output; capabilities... \n"
-           "\n"
-           "Options:\n" +
+           "log     prints the media capability of the description\n"
+           "move    moves the description from the local addresses and ports to public ones;\n"
+           "        on standard error, prints the capability and the command that moves it\n"
+           "        back\n"
+           "answer  prints an answer to the description; on standard error, prints why lines\n"
+           "        are rejected, both capabilities, and whether they changed\n"
+           "\n" +
            options_of(LOG) + "\nOptions of move:\n" + options_of(MOVE, LOG) +
            "\nOptions of answer:\n" + options_of(ANSWER, LOG) +
            "\n"
-           "Exit status: 0 success, 1 a description was refused or a file could not be read or\n"
-           "written, 2 wrong command line.\n";
+           "Exit status: 0 success, 1 a description was refused or a file could not be read\n"
+           "or written, 2 wrong command line\n";
 }
 
 std::string server_usage() {
     return "usage: qova-answer [OPTION]...\n"
            "\n"
-           "Answers SIP calls until SIGINT or SIGTERM, and then ends its calls. Sends no media.\n"
-           "Prints \"listening on URI\" once it accepts calls. Logs offers and answers, with the\n"
-           "number of the call, on standard error; SIGUSR1 logs statistics.\n"
+           "Answers SIP calls until it receives SIGINT or SIGTERM; then it ends its calls.\n"
+           "Prints \"listening on URI\" when it accepts calls. Logs each offer and answer on\n"
+           "standard error, and statistics when it receives SIGUSR1. Sends no media.\n"
            "\n" +
            options_of(SERVE) +
            "\n"
-           "Exit status: 0 stopped by a signal, 1 cannot listen or calls did not end, 2 wrong\n"
-           "command line.\n";
+           "Exit status: 0 stopped by a signal, 1 it could not listen or some calls did not\n"
+           "end, 2 wrong command line\n";
 }

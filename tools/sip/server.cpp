@@ -4,6 +4,7 @@
 #include <sofia-sip/sip_status.h>
 #include <sofia-sip/su_tag_io.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <utility>
@@ -148,8 +149,11 @@ void Server::answer(Call& call, nua_handle_t* handle, const sip_t& sip) {
         if (reply.has_common) {
             accept(call, handle, sip, reply.text);
         } else {
-            const sdp::Diagnostic& reason = reply.diagnostics.back();
-            refuse(call, handle, sip, SIP_488_NOT_ACCEPTABLE, {reason.line, reason.message});
+            const auto reason = std::find_if(
+                reply.diagnostics.begin(), reply.diagnostics.end(), [](const auto& diagnostic) {
+                    return diagnostic.severity == sdp::Severity::REJECTION;
+                });
+            refuse(call, handle, sip, SIP_488_NOT_ACCEPTABLE, {reason->line, reason->message});
         }
     } catch (const sdp::Refusal& refusal) {
         refuse(call, handle, sip, SIP_400_BAD_REQUEST, refusal);

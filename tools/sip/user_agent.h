@@ -32,7 +32,7 @@ public:
 protected:
     // Throws std::runtime_error if it cannot listen at the URI.
     UserAgent(const std::string& uri, const std::string& name);
-    ~UserAgent();
+    virtual ~UserAgent();
 
     // Handles an event of a call. An exception is logged, and a request then gets status 500.
     virtual void handle_event(nua_event_t event, int status, nua_handle_t* handle, const sip_t* sip,

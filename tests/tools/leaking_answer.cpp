@@ -1,6 +1,8 @@
-// A qova-answer that leaks memory with each call, to show that scripts/load notices.
+// A qova-answer that keeps memory of each call, to show that scripts/load notices.
 
 #include <cstddef>
+#include <list>
+#include <string>
 
 #include "answer/answerer.h"
 #include "cli/files.h"
@@ -14,8 +16,8 @@ Status run(Options& options) {
     options.local = sdp::MediaAddress::parse("127.0.0.1");
     sdp::Policy policy = options.policy();
     policy.random = [](unsigned char* to, std::size_t size) {
-        static unsigned char* leak;
-        leak = new unsigned char[200];
+        static std::list<std::string> never_freed;
+        never_freed.emplace_back(200, 'x');
         sdp::random_bytes(to, size);
     };
     sip::Server server({"leaking-answer", options.listen, policy, {}, options.strictness(), true});

@@ -32,9 +32,13 @@ if(TARGET qova_sdp)
         target_include_directories(qova_${room} PUBLIC
             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qova-tools>)
         install(TARGETS qova_${room} EXPORT qovaToolsTargets)
-        install(DIRECTORY tools/${room} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools
-            FILES_MATCHING PATTERN *.h)
     endforeach()
+    install(FILES tools/sdp/diagnostics.h tools/sdp/message.h tools/sdp/plan.h tools/sdp/reader.h
+        tools/sdp/strings.h tools/sdp/text.h tools/sdp/writer.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/sdp)
+    install(FILES tools/move/mover.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/move)
+    install(FILES tools/answer/answerer.h tools/answer/call_side.h tools/answer/changes.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/answer)
     install(EXPORT qovaToolsTargets NAMESPACE qova:: DESTINATION ${package_dir})
 endif()
 

@@ -37,25 +37,25 @@ std::vector<files::path> samples() {
 std::vector<std::string> kinds(const sdp::Reading& reading) {
     std::vector<std::string> found;
     for (const sdp::ReadLine& line : reading.lines) {
-        found.push_back(line.kind + " " + line.transport);
+        found.push_back(line.type + " " + line.transport);
     }
     return found;
 }
 
 void check(const std::string& text, const sdp::Policy& policy,
-           const std::optional<sdp::PublicPlan>& plan) {
+           const std::optional<sdp::Plan>& plan) {
     const sdp::Description description(text);
     const sdp::Reading offer = sdp::read(description, sdp::Role::OFFER, sdp::Strictness::LENIENT);
     const sdp::Answer answer = sdp::answer(offer, policy);
     QOVA_Capability sent = *answer.capability;
     if (plan) {
-        sent.setPublicAddrPort(UDPAddr(plan->address, 0), plan->audio_port, plan->fax_port);
+        sent.setPublicAddrPort(UDPAddr(plan->address.ip(), 0), plan->audio_port, plan->fax_port);
     }
     const std::string written = sdp::write(description, offer, sent, answer.payloads,
-                                           plan ? plan->address : policy.address, {7, 8});
+                                           (plan ? plan->address : policy.address).ip(), {7, 8});
     const sdp::Reading reread =
         sdp::read(sdp::Description(written), sdp::Role::ANSWER,
-                  offer.warnings.empty() ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT);
+                  offer.diagnostics.empty() ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT);
     EXPECT_FALSE(sdp::changed(sent, *reread.capability))
         << written << std::string(sent) << std::string(*reread.capability);
     EXPECT_EQ(kinds(reread), kinds(offer));

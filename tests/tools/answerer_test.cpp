@@ -59,30 +59,29 @@ INSTANTIATE_TEST_SUITE_P(
                    "6: no crypto suite in common"},
         Row<Media>{"KeysByDtls",
                    {"m=audio 5004 UDP/TLS/RTP/SAVPF 8", "a=setup:actpass", fingerprint},
-                   "6: its transport is not served"},
+                   "6: unsupported transport"},
         Row<Media>{"KeysByDtlsOnAPlainSecureLine",
                    {"m=audio 5004 RTP/SAVP 8", "a=setup:actpass", fingerprint},
                    "6: no crypto suite in common"},
         Row<Media>{"KeysByMikey",
                    {"m=audio 5004 RTP/SAVP 8", "a=key-mgmt:mikey AQAFgM0XflABAAAAAAAAAAAAAAYAyONQ"},
                    "6: no crypto suite in common"},
-        Row<Media>{
-            "AudioOverTcp", {"m=audio 5004 TCP/RTP/AVP 8"}, "6: its transport is not served"},
-        Row<Media>{"Video", {"m=video 5004 RTP/AVP 31"}, "6: its kind is not served"},
-        Row<Media>{"Data", {"m=application 5004 UDP/BFCP *"}, "6: its kind is not served"},
-        Row<Media>{"Chat", {"m=message 5004 TCP/MSRP *"}, "6: its kind is not served"},
+        Row<Media>{"AudioOverTcp", {"m=audio 5004 TCP/RTP/AVP 8"}, "6: unsupported transport"},
+        Row<Media>{"Video", {"m=video 5004 RTP/AVP 31"}, "6: unsupported media type"},
+        Row<Media>{"Data", {"m=application 5004 UDP/BFCP *"}, "6: unsupported media type"},
+        Row<Media>{"Chat", {"m=message 5004 TCP/MSRP *"}, "6: unsupported media type"},
         Row<Media>{"Fax", {"m=image 5004 udptl t38"}, ""},
         Row<Media>{"FaxInCapitals", {"m=image 5004 UDPTL T38"}, ""},
-        Row<Media>{"FaxOverTcp", {"m=image 5004 tcp t38"}, "6: its transport is not served"},
+        Row<Media>{"FaxOverTcp", {"m=image 5004 tcp t38"}, "6: unsupported transport"},
         Row<Media>{"FaxOverDtls",
                    {"m=image 5004 UDP/TLS/UDPTL t38", fingerprint},
-                   "6: its transport is not served"},
+                   "6: unsupported transport"},
         Row<Media>{"OfAnotherAddressFamily",
                    {"m=audio 5004 RTP/AVP 8", "c=IN IP6 2001:db8::1"},
-                   "6: its address cannot be reached"},
+                   "6: unreachable address"},
         Row<Media>{"OfAMulticastGroup",
                    {"m=audio 5004 RTP/AVP 8", "c=IN IP4 224.2.17.12/127"},
-                   "6: its address cannot be reached"},
+                   "6: unreachable address"},
         Row<Media>{"AtAHostName", {"m=audio 5004 RTP/AVP 8", "c=IN IP4 phone.example"}, ""}),
     name_of_row);
 
@@ -113,14 +112,14 @@ TEST(Answerer, SaysNothingOfALineThatIsRejectedAlready) {
 
 TEST(Answerer, AcceptsSomethingWhenOneLineIsAccepted) {
     const Answered answered({"m=audio 5004 RTP/AVP 8", "m=video 5006 RTP/AVP 31"});
-    EXPECT_EQ(answered.rejections(), "7: its kind is not served");
+    EXPECT_EQ(answered.rejections(), "7: unsupported media type");
     EXPECT_TRUE(answered.answer.accepts);
 }
 
 TEST(Answerer, RejectsFaxWhereThePolicyHasNone) {
     sdp::Policy policy = policy_at();
     policy.fax = false;
-    EXPECT_EQ(Answered({"m=image 5004 udptl t38"}, policy).rejections(), "6: no fax is wanted");
+    EXPECT_EQ(Answered({"m=image 5004 udptl t38"}, policy).rejections(), "6: fax is disabled");
 }
 
 TEST(Answerer, LeavesARejectedLineWithoutAddressPortsAndPayloads) {
@@ -320,8 +319,7 @@ TEST(AnswererKeys, AreOthersForEachLine) {
 }
 
 TEST(AnswererKeys, ComeFromTheSystemUnlessToldOtherwise) {
-    sdp::Policy policy;
-    policy.address = ip("192.0.2.1");
+    const sdp::Policy policy{sdp::MediaAddress::parse("192.0.2.1").value()};
     std::set<std::string> keys;
     for (int i = 0; i < 3; ++i) {
         const Answered answered({"m=audio 5004 RTP/SAVP 8", "a=crypto:1 " + aes_80}, policy);

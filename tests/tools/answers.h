@@ -26,16 +26,15 @@ inline const std::string aes_32 = "AES_CM_128_HMAC_SHA1_32 inline:" + offered_ke
 
 // Takes all there is. Its random bytes count down from 255, so that the answer can be foretold.
 inline sdp::Policy policy_at(const std::string& address = "192.0.2.1") {
-    sdp::Policy policy;
-    policy.address = ip(address);
+    sdp::Policy policy{sdp::MediaAddress::parse(address).value()};
     policy.random = [next = 255](unsigned char* to, std::size_t size) mutable {
         std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next--); });
     };
     return policy;
 }
 
-inline sdp::PublicPlan public_plan() {
-    return {ip("203.0.113.5"), 40000, 7000};
+inline sdp::Plan public_plan() {
+    return {sdp::MediaAddress::parse("203.0.113.5").value(), 40000, 7000};
 }
 
 // A session's media lines and their answer.
@@ -50,7 +49,7 @@ struct Answered {
     const QOVA_Capability& capability() const { return *answer.capability; }
     const QOVA_Media& media() const { return *capability().filteredMedia.front(); }
 
-    std::string rejections() const { return told(answer.rejections); }
+    std::string rejections() const { return told(answer.diagnostics); }
 
     std::string text;
     sdp::Description description;
@@ -64,7 +63,7 @@ inline std::string answered_media(const std::vector<std::string>& media,
     const Answered answered(media, policy);
     const std::string text =
         sdp::write(answered.description, answered.reading, answered.capability(),
-                   answered.answer.payloads, policy.address, {1, 1});
+                   answered.answer.payloads, policy.address.ip(), {1, 1});
     const std::string head =
         lines({"v=0", "o=- 1 1 IN IP4 192.0.2.1", "s=-", "c=IN IP4 192.0.2.1", "t=0 0"});
     EXPECT_EQ(text.substr(0, head.size()), head);

@@ -43,7 +43,7 @@ TEST(SdpMessage, IsTakenAsADescriptionWhereItIsNone) {
     EXPECT_EQ(found(description), "0 alone: it");
     EXPECT_EQ(found(""), "0 alone: ");
     EXPECT_EQ(found("hello"), "0 alone: hello");
-    EXPECT_EQ(found("SIP/2.0"), "1: the SIP message cannot be read");
+    EXPECT_EQ(found("SIP/2.0"), "1: cannot parse the SIP message");
 }
 
 TEST(SdpMessage, HoldsADescriptionAsItsBody) {
@@ -85,7 +85,7 @@ TEST(SdpMessage, MayBeABodyWithoutItsHead) {
 }
 
 TEST(SdpMessage, IsRefusedWithoutADescription) {
-    const std::string message = "0: no part of it is of type application/sdp";
+    const std::string message = "0: no body of type application/sdp";
     EXPECT_EQ(found(head({})), message);
     EXPECT_EQ(found(head({}) + description), message);
     EXPECT_EQ(found(head({"Content-Type: application/sdpx"}) + description), message);
@@ -114,7 +114,7 @@ TEST(SdpMessage, IsNotSearchedWithoutEnd) {
         return found(text);
     };
     EXPECT_EQ(nested(7), "29 in: it");
-    EXPECT_EQ(nested(8), "0: no part of it is of type application/sdp");
+    EXPECT_EQ(nested(8), "0: no body of type application/sdp");
 }
 
 }  // namespace

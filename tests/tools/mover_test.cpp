@@ -6,8 +6,6 @@
 
 namespace {
 
-using sdp::Plan;
-
 TEST(SdpMove, ChangesAddressesAndPortsAndNothingElse) {
     const std::string text =
         "v=0\r\n"
@@ -44,7 +42,7 @@ TEST(SdpMove, ChangesAddressesAndPortsAndNothingElse) {
 
 TEST(SdpMove, ShowsTheCapabilityBeforeAndAfter) {
     const sdp::Move move =
-        sdp::move(session({"m=audio 32010 RTP/AVP 0", "m=audio 0 RTP/AVP 0"}), to_public);
+        move_by(session({"m=audio 32010 RTP/AVP 0", "m=audio 0 RTP/AVP 0"}), to_public);
     EXPECT_NE(move.log_before.find("Accepted @10.0.0.1/snd=32010~32011/rcv=32010~32011"),
               std::string::npos);
     EXPECT_NE(move.log_after.find("Accepted @203.0.113.5/snd=40010~40011/rcv=40010~40011"),
@@ -53,9 +51,9 @@ TEST(SdpMove, ShowsTheCapabilityBeforeAndAfter) {
 }
 
 TEST(SdpMove, ShowsTheMovedTextInTheLogAfter) {
-    const sdp::Move move = sdp::move(
-        session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 0.0.0.0", "m=audio 32012 RTP/AVP 0"}),
-        to_public);
+    const sdp::Move move =
+        move_by(session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 0.0.0.0", "m=audio 32012 RTP/AVP 0"}),
+                to_public);
     EXPECT_NE(move.log_after.find("Accepted @0.0.0.0/snd=40010~40011"), std::string::npos);
     EXPECT_NE(move.log_after.find("Accepted @203.0.113.5/snd=40012~40013"), std::string::npos);
 }
@@ -63,26 +61,26 @@ TEST(SdpMove, ShowsTheMovedTextInTheLogAfter) {
 TEST(SdpMove, ReadsAnOfferOrAnAnswer) {
     const std::string text = session({"m=audio 32010 RTP/AVP 0"});
     Plan plan = to_public;
-    EXPECT_EQ(sdp::move(text, plan).log_after.substr(0, 17), "Capability(offer,");
+    EXPECT_EQ(move_by(text, plan).log_after.substr(0, 17), "Capability(offer,");
     plan.role = sdp::Role::ANSWER;
-    EXPECT_EQ(sdp::move(text, plan).log_before.substr(0, 18), "Capability(answer,");
-    EXPECT_EQ(sdp::move(text, plan).log_after.substr(0, 18), "Capability(answer,");
+    EXPECT_EQ(move_by(text, plan).log_before.substr(0, 18), "Capability(answer,");
+    EXPECT_EQ(move_by(text, plan).log_after.substr(0, 18), "Capability(answer,");
 }
 
 TEST(SdpMove, HandsOnTheWarningsAndMovesTheRest) {
     const std::string text = session(
         {"m=audio 32010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:32011", "a=rtcp:32013", "a=ptime:x"});
-    const sdp::Move move = sdp::move(text, to_public);
-    ASSERT_EQ(move.warnings.size(), 3U);
-    EXPECT_EQ(move.warnings[0].line, 7U);
-    EXPECT_EQ(move.warnings[1].line, 9U);
-    EXPECT_EQ(move.warnings[2].line, 10U);
+    const sdp::Move move = move_by(text, to_public);
+    ASSERT_EQ(move.diagnostics.size(), 3U);
+    EXPECT_EQ(move.diagnostics[0].line, 7U);
+    EXPECT_EQ(move.diagnostics[1].line, 9U);
+    EXPECT_EQ(move.diagnostics[2].line, 10U);
     const std::string candidate = "a=candidate:1 1 UDP 1 10.0.0.1 32010 typ host";
     const sdp::Move mixed =
-        sdp::move(session({"m=audio 32010 RTP/AVP 0", candidate, "a=ptime:x"}), to_public);
-    ASSERT_EQ(mixed.warnings.size(), 2U);
-    EXPECT_EQ(mixed.warnings[0].line, 7U);
-    EXPECT_EQ(mixed.warnings[1].line, 8U);
+        move_by(session({"m=audio 32010 RTP/AVP 0", candidate, "a=ptime:x"}), to_public);
+    ASSERT_EQ(mixed.diagnostics.size(), 2U);
+    EXPECT_EQ(mixed.diagnostics[0].line, 7U);
+    EXPECT_EQ(mixed.diagnostics[1].line, 8U);
     EXPECT_EQ(moved_media({"m=audio 32010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:32011", "a=rtcp:32013",
                            "a=ptime:x"}),
               lines({"m=audio 40010 RTP/AVP 0", "a=rtcp:0", "a=rtcp:40011", "a=rtcp:32013",
@@ -113,9 +111,9 @@ TEST(SdpMove, WritesTheAddressAsItWasGiven) {
     const std::string text = session({"m=audio 32010 RTP/AVP 0"});
     const std::string v6 = moved(text, {"2001:DB8:0::5", 32000, 6666});
     EXPECT_NE(v6.find("c=IN IP6 2001:DB8:0::5\r\n"), std::string::npos);
-    const sdp::Move back = sdp::move(v6, to_public);
-    EXPECT_EQ(back.old_address, "2001:DB8:0::5");
-    EXPECT_EQ(moved(back.text, back_to(back.old_address)), v6);
+    const sdp::Move back = move_by(v6, to_public);
+    EXPECT_EQ(old_address(back), "2001:DB8:0::5");
+    EXPECT_EQ(moved(back.text, back_to(old_address(back))), v6);
 }
 
 TEST(SdpMove, LeavesAnUnspecifiedAddress) {
@@ -170,12 +168,12 @@ TEST(SdpMove, LeavesASessionAddressThatNoMovingLineHas) {
 TEST(SdpMove, MergesMediaOfSeveralAddressesWhenAsked) {
     Plan plan = to_public;
     plan.merge = true;
-    const sdp::Move move = sdp::move(
+    const sdp::Move move = move_by(
         session({"m=audio 32010 RTP/AVP 0", "c=IN IP4 10.0.0.2", "m=audio 32012 RTP/AVP 0"}), plan);
     EXPECT_EQ(move.text, lines({"v=0", "o=- 1 1 IN IP4 203.0.113.5", "s=-", "c=IN IP4 203.0.113.5",
                                 "t=0 0", "m=audio 40010 RTP/AVP 0", "c=IN IP4 203.0.113.5",
                                 "m=audio 40012 RTP/AVP 0"}));
-    EXPECT_EQ(move.old_address, "");
+    EXPECT_EQ(old_address(move), "");
 }
 
 TEST(SdpMove, ToTheSameAddressAndPortsChangesNothing) {
@@ -209,7 +207,7 @@ TEST(SdpMovePorts, OfTcpLinesThatWillConnectStay) {
 TEST(SdpMovePorts, NeedNoSecondPortWhereNoneExists) {
     const Plan to_the_end = {"203.0.113.5", 65535, 65535};
     EXPECT_EQ(refusal_of(session({"m=audio 32000 RTP/AVP 0"}), to_the_end),
-              "6: the move takes port 32001 to 65536");
+              "6: the move would change port 32001 to 65536");
     EXPECT_EQ(moved_media({"m=audio 32000 RTP/AVP 0", "a=rtcp-mux"}, to_the_end),
               lines({"m=audio 65535 RTP/AVP 0", "a=rtcp-mux"}));
     EXPECT_EQ(moved_media({"m=audio 32000 TCP/RTP/AVP 0"}, to_the_end),
@@ -307,9 +305,9 @@ TEST(SdpMoveKeeps, TheLineEndings) {
 
 TEST(SdpMoveBack, SaysWhenNoMoveUndoesIt) {
     const std::string text = session({"m=audio 32010 RTP/AVP 0"});
-    EXPECT_EQ(sdp::move(moved(text), back_to("10.0.0.1")).old_address, "203.0.113.5");
+    EXPECT_EQ(old_address(move_by(moved(text), back_to("10.0.0.1"))), "203.0.113.5");
     const std::string zeros = session({"m=audio 040010 RTP/AVP 0"});
-    EXPECT_EQ(sdp::move(zeros, back_to("10.0.0.2")).old_address, "");
+    EXPECT_EQ(old_address(move_by(zeros, back_to("10.0.0.2"))), "");
 }
 
 TEST(SdpMoveBack, GivesALineWithoutCTheAddressThatItHad) {

@@ -248,7 +248,7 @@ TEST(SdpMedia, MayLackAnAddressWhenRejectedOrPassedThrough) {
         reading_of(head + lines({"m=audio 0 RTP/AVP 0", "m=text 5004 RTP/AVP 98"}));
     EXPECT_EQ(reading.lines[0].media->address->ToString(), "0.0.0.0");
     EXPECT_EQ(refusal_of(head + lines({"m=audio 5004 RTP/AVP 0"})),
-              "4: no c= line gives this media an address");
+              "4: the media line has no address: c= is missing");
 }
 
 // --- Pass-through --------------------------------------------------------------------------------

@@ -30,9 +30,9 @@ inline std::string refusal_of(const std::string& text) {
 }
 
 // "LINE: message" of each.
-inline std::string told(const std::vector<sdp::Warning>& warnings) {
+inline std::string told(const sdp::Diagnostics& warnings) {
     std::string all;
-    for (const sdp::Warning& warning : warnings) {
+    for (const sdp::Diagnostic& warning : warnings) {
         all += (all.empty() ? "" : "\n") + std::to_string(warning.line) + ": " + warning.message;
     }
     return all;
@@ -40,7 +40,7 @@ inline std::string told(const std::vector<sdp::Warning>& warnings) {
 
 // The warnings about a description. Strictly read, the first is the refusal.
 inline std::string warnings_of(const std::string& text) {
-    const std::string all = told(reading_of(text).warnings);
+    const std::string all = told(reading_of(text).diagnostics);
     EXPECT_EQ(refusal([&] { reading_of(text, sdp::Strictness::STRICT); }),
               all.empty() ? "accepted" : all.substr(0, all.find('\n')));
     return all;

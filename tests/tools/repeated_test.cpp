@@ -34,8 +34,8 @@ TEST(SdpRepeated, TheFirstRtcpLineWithAPortCounts) {
         session({audio, "a=rtcp:0", "a=rtcp:5007 IN IP4 10.0.0.1", "a=rtcp:5009", "a=rtcp-mux"});
     EXPECT_EQ(reading_of(text).lines[0].media->rcvPort2, 5007);
     EXPECT_EQ(warnings_of(text),
-              "7: the RTCP port is no number from 1 to 65535\n"
-              "9: the media has a second a=rtcp line");
+              "7: a=rtcp: expected a port from 1 to 65535\n"
+              "9: duplicate a=rtcp line");
 }
 
 TEST(SdpRepeated, TheLastReadableFramingCounts) {

@@ -47,7 +47,7 @@ class SampleTest(unittest.TestCase):
             self.assertEqual(status, 0, errors)
             warnings, log, back = re.fullmatch(
                 r"(.*?)(after: Capability\(.*\n)back: qova-sdp (.*)\n", errors, re.DOTALL).groups()
-            left = rf"{re.escape(str(sample))}:\d+: warning: an address that the move has left .*\n"
+            left = rf"{re.escape(str(sample))}:\d+: warning: this line still names .*\n"
             self.assertEqual(re.sub(left, "", warnings), messages(".warnings"))
             self.assertEqual(log.encode(),
                              b"after: " + program.run("log", *role, "-", text=moved)[1])

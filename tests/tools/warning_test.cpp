@@ -21,11 +21,11 @@ TEST(SdpWarnings, AreInTheOrderOfTheLinesEachOnce) {
     EXPECT_EQ(warnings_of(lines({"v=0", "o=- 1 1 IN IP4 h", "c=IN IP4 media.example.com", "b=AS",
                                  "m=audio 5004 RTP/AVP 18", "a=fmtp:18 annexb=0", "a=rtpmap:96 x",
                                  "a=ptime:x", "m=audio 5006 RTP/AVP 0"})),
-              "3: host names are not looked up\n"
+              "3: host names are not resolved\n"
               "4: the SDP parser refuses this b= line\n"
-              "6: annexb is neither yes nor no\n"
+              "6: annexb: expected no or yes\n"
               "7: a=rtpmap: the clock rate is missing\n"
-              "8: a=ptime: the value is no number from 0 to 2147483647");
+              "8: a=ptime: expected a number from 0 to 2147483647");
 }
 
 TEST(SdpWarnings, LeaveOutAttributesOfARejectedLineAndOfAPassedThroughOne) {
@@ -45,7 +45,7 @@ TEST(SdpWarnings, OfAHostNameWhoseAddressStaysUnspecifiedAndDoesNotHold) {
     for (const char* const host : {"host", "media.example.com", "10.0.0.1.example", "my_host-7"}) {
         const std::string text =
             session({"m=audio 5004 RTP/AVP 8", std::string("c=IN IP4 ") + host});
-        EXPECT_EQ(warnings_of(text), "7: host names are not looked up");
+        EXPECT_EQ(warnings_of(text), "7: host names are not resolved");
         const sdp::Reading reading = reading_of(text);
         EXPECT_EQ(reading.lines[0].media->address->ToString(), "0.0.0.0");
         EXPECT_EQ(reading.lines[0].media->rcvPort, 5004);
@@ -65,7 +65,7 @@ TEST(SdpWarnings, OfAHostNameOnlyWhereItCounts) {
 TEST(SdpWarnings, OfRtcpLinesWithoutAPort) {
     for (const char* const port : {"0", "65536", "x", "0 IN IP4 10.0.0.1"}) {
         const std::string rtcp = std::string("a=rtcp:") + port;
-        EXPECT_EQ(warnings_of_attribute(rtcp), "7: the RTCP port is no number from 1 to 65535");
+        EXPECT_EQ(warnings_of_attribute(rtcp), "7: a=rtcp: expected a port from 1 to 65535");
         EXPECT_EQ(OneLine({"m=audio 5004 RTP/AVP 0", rtcp}).media().rcvPort2, 5005);
     }
     EXPECT_EQ(warnings_of_attribute("a=rtcp:"), "7: a=rtcp needs a port");
@@ -77,9 +77,9 @@ TEST(SdpWarnings, OfRtcpAddressesThatLeaveThePort) {
         return warnings_of_attribute(rtcp);
     };
     EXPECT_EQ(warned("a=rtcp:53020 IN IP4"), "7: a=rtcp needs a port, or a port and an address");
-    EXPECT_EQ(warned("a=rtcp:53020 IN IP4 host"), "7: host names are not looked up");
+    EXPECT_EQ(warned("a=rtcp:53020 IN IP4 host"), "7: host names are not resolved");
     EXPECT_EQ(warned("a=rtcp:53020 ATM NSAP 47.0091"),
-              "7: the address is neither IN IP4 nor IN IP6");
+              "7: expected an address of type IN IP4 or IN IP6");
 }
 
 // --- Payloads ------------------------------------------------------------------------------------
@@ -95,15 +95,15 @@ TEST(SdpWarnings, OfFractionsOfAMillisecond) {
     EXPECT_EQ(framing("20.0"), 20);
     EXPECT_EQ(framing("2147483647.99999999999999999999"), 2147483647);
     EXPECT_EQ(warnings_of_attribute("a=ptime:0.125"),
-              "7: a=ptime: only whole milliseconds are taken");
+              "7: a=ptime: only whole milliseconds are used");
     EXPECT_EQ(warnings_of_attribute("a=maxptime:20.5"),
-              "7: a=maxptime: only whole milliseconds are taken");
+              "7: a=maxptime: only whole milliseconds are used");
     EXPECT_EQ(warnings_of_attribute("a=ptime:20.0"), "");
     for (const char* const value :
          {"x", "", "20.", ".5", "20.x", "2147483648", "2147483648.0", "-1", "1.2.3", "20ms"}) {
         EXPECT_EQ(framing(value), 0) << value;
         EXPECT_EQ(warnings_of_attribute(std::string("a=maxptime:") + value),
-                  "7: a=maxptime: the value is no number from 0 to 2147483647")
+                  "7: a=maxptime: expected a number from 0 to 2147483647")
             << value;
     }
 }
@@ -112,13 +112,14 @@ TEST(SdpWarnings, OfRtpmapLinesNameTheCause) {
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:96 iLBC"), "7: a=rtpmap: the clock rate is missing");
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:96 iLBC/"), "7: a=rtpmap: the clock rate is missing");
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:96 iLBC/x"),
-              "7: a=rtpmap: clock rate: the value is no number from 0 to 4294967295");
+              "7: a=rtpmap clock rate: expected a number from 0 to 4294967295");
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:96 iLBC/-1"),
-              "7: a=rtpmap: clock rate: the value is no number from 0 to 4294967295");
-    EXPECT_EQ(warnings_of_attribute("a=rtpmap:96"), "7: a=rtpmap: the name is missing");
+              "7: a=rtpmap clock rate: expected a number from 0 to 4294967295");
+    EXPECT_EQ(warnings_of_attribute("a=rtpmap:96"), "7: a=rtpmap: the encoding name is missing");
     EXPECT_EQ(warnings_of_attribute("a=rtpmap:128 x/8000"),
-              "7: a=rtpmap: the payload type is above 127");
-    EXPECT_EQ(warnings_of_attribute("a=rtpmap:"), "7: a=rtpmap: the payload type is no number");
+              "7: a=rtpmap: expected a payload type from 0 to 127");
+    EXPECT_EQ(warnings_of_attribute("a=rtpmap:"),
+              "7: a=rtpmap: expected a payload type from 0 to 127");
     EXPECT_EQ(warnings_of(session({"m=message 5004 TCP/MSRP *", "a=rtpmap:x"})), "");
     for (const char* const accepted : {"96 x/8000", "96  x /8000", "96 x/8000/2", "96 x/8000 y"}) {
         EXPECT_EQ(warnings_of_attribute(std::string("a=rtpmap:") + accepted), "") << accepted;
@@ -135,18 +136,18 @@ TEST(SdpWarnings, OfRtpmapLinesLeaveThePayloadAsWithoutThem) {
 TEST(SdpWarnings, OfFmtpLinesNameTheCause) {
     for (const char* const value : {"", "abc", "x x=1", "-1 x=1", "annexb=no"}) {
         EXPECT_EQ(warnings_of_attribute(std::string("a=fmtp:") + value),
-                  "7: a=fmtp: the payload type is no number")
+                  "7: a=fmtp: expected a payload type from 0 to 127")
             << value;
     }
-    EXPECT_EQ(warnings_of_attribute("a=fmtp:128 x=1"), "7: a=fmtp: the payload type is above 127");
+    EXPECT_EQ(warnings_of_attribute("a=fmtp:128 x=1"),
+              "7: a=fmtp: expected a payload type from 0 to 127");
     EXPECT_EQ(warnings_of_attribute("a=fmtp:97"), "7: a=fmtp: the parameters are missing");
     EXPECT_EQ(warnings_of(session({"m=video 5004 RTP/AVP 96", "a=fmtp:x"})),
-              "7: a=fmtp: the payload type is no number");
+              "7: a=fmtp: expected a payload type from 0 to 127");
 }
 
 TEST(SdpWarnings, OfFmtpParametersThatBlanksSeparate) {
-    const std::string message =
-        "8: a=fmtp: blanks separate two parameters, where a semicolon belongs";
+    const std::string message = "8: a=fmtp: expected a semicolon between two parameters";
     EXPECT_EQ(warnings_of_fmtp("AMR-WB/16000", "octet-align=1 crc=1"), message);
     EXPECT_EQ(warnings_of_fmtp("G723/8000", "bitrate=5.3 annexa = no"), message);
     EXPECT_EQ(warnings_of_fmtp("opus/48000/2", "stereo=1; x=1\tcbr=1"), message);
@@ -188,13 +189,13 @@ TEST(SdpWarnings, OfParametersLeaveTheOthers) {
         EXPECT_EQ(opus(std::string(parameter) + ";stereo=1"), " opus(stereo=1)");
     }
     EXPECT_EQ(warnings_of_fmtp("opus/48000/2", "x=1; stereo=2"),
-              "8: stereo: the value is no number from 0 to 1");
+              "8: stereo: expected a number from 0 to 1");
 }
 
 TEST(SdpWarnings, OfAnAnnexLeaveItsDefault) {
-    EXPECT_EQ(warnings_of_fmtp("G729/8000", "annexb=maybe"), "8: annexb is neither yes nor no");
-    EXPECT_EQ(warnings_of_fmtp("G729/8000", "annexb=0"), "8: annexb is neither yes nor no");
-    EXPECT_EQ(warnings_of_fmtp("G723/8000", "annexa"), "8: annexa is neither yes nor no");
+    EXPECT_EQ(warnings_of_fmtp("G729/8000", "annexb=maybe"), "8: annexb: expected no or yes");
+    EXPECT_EQ(warnings_of_fmtp("G729/8000", "annexb=0"), "8: annexb: expected no or yes");
+    EXPECT_EQ(warnings_of_fmtp("G723/8000", "annexa"), "8: annexa: expected no or yes");
     EXPECT_TRUE(OneLine({"m=audio 5004 RTP/AVP 18", "a=fmtp:18 annexb=0"}).audio().vad);
 }
 
@@ -207,16 +208,17 @@ TEST(SdpWarnings, OfT38ValuesLeaveTheirDefaults) {
         return warnings_of(session({"m=image 6666 udptl t38", attribute}));
     };
     EXPECT_EQ(warned("a=T38MaxBitRate:fast"),
-              "7: T38MaxBitRate: the value is no number from 0 to 4294967295");
+              "7: T38MaxBitRate: expected a number from 0 to 4294967295");
     EXPECT_EQ(warned("a=T38FaxMaxBuffer:4294967296"),
-              "7: T38FaxMaxBuffer: the value is no number from 0 to 4294967295");
+              "7: T38FaxMaxBuffer: expected a number from 0 to 4294967295");
     EXPECT_EQ(warned("a=T38FaxMaxDatagram"),
-              "7: T38FaxMaxDatagram: the value is no number from 0 to 4294967295");
+              "7: T38FaxMaxDatagram: expected a number from 0 to 4294967295");
     EXPECT_EQ(warned("a=T38FaxTranscodingMMR:2"),
-              "7: T38FaxTranscodingMMR: the value is no number from 0 to 1");
+              "7: T38FaxTranscodingMMR: expected a number from 0 to 1");
     EXPECT_EQ(warned("a=T38FaxRateManagement:x"),
-              "7: the rate management is neither of T.38's two");
-    EXPECT_EQ(warned("a=T38FaxUdpEC:x"), "7: the error correction is none of T.38's three");
+              "7: T38FaxRateManagement: expected transferredTCF or localTCF");
+    EXPECT_EQ(warned("a=T38FaxUdpEC:x"),
+              "7: T38FaxUdpEC: expected t38UDPNoEC or t38UDPRedundancy or t38UDPFEC");
 }
 
 // --- Lines that the parser refuses ---------------------------------------------------------------
@@ -239,7 +241,7 @@ TEST(SdpWarnings, OfManyLinesTakeTimeInProportion) {
     for (int i = 0; i < 5000; ++i) {
         text += "b=AS\r\n";
     }
-    EXPECT_EQ(reading_of(text).warnings.size(), 5000U);
+    EXPECT_EQ(reading_of(text).diagnostics.size(), 5000U);
 }
 
 }  // namespace

@@ -242,7 +242,7 @@ TEST(Writer, WritesAnIpv6Address) {
 TEST(Writer, ReadsTheOriginThatItWrites) {
     const std::string text = lines({"v=0", "o=- 18446744073709551615 4294967296 IN IP4 10.0.0.1",
                                     "s=-", "c=IN IP4 10.0.0.1", "t=0 0"});
-    const sdp::Origin origin = sdp::origin_of(reading_of(text));
+    const sdp::Origin origin = reading_of(text).origin;
     EXPECT_EQ(origin.id, 18446744073709551615ULL);
     EXPECT_EQ(origin.version, 4294967296ULL);
 }

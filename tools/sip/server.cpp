@@ -52,6 +52,10 @@ void print_lines(const std::string& prefix, const std::string& text) {
 Server::Server(Settings given_settings)
     : UserAgent(given_settings.uri, given_settings.name), settings(std::move(given_settings)) {}
 
+Server::~Server() {
+    shut_down();
+}
+
 template <class Work>
 auto Server::timed(Work work) {
     const double start = seconds(CLOCK_THREAD_CPUTIME_ID);

@@ -25,6 +25,9 @@ class Server : public UserAgent {
 public:
     // Throws std::runtime_error if it cannot listen.
     explicit Server(Settings given_settings);
+    ~Server() override;
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
 
     std::size_t open_calls() const { return calls.size(); }
 

@@ -117,6 +117,13 @@ bool UserAgent::run() {
     return has_shut_down;
 }
 
+void UserAgent::shut_down() {
+    if (!has_shut_down) {
+        stop();
+        run();
+    }
+}
+
 void UserAgent::stop() {
     if (is_stopping) {
         finish();

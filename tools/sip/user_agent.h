@@ -26,13 +26,13 @@ public:
     // sofia-sip cannot be freed then, and the process has to end with std::_Exit.
     bool run();
 
-    // Ends all calls. The second time, stops waiting for them.
-    void stop();
-
 protected:
     // Throws std::runtime_error if it cannot listen at the URI.
     UserAgent(const std::string& uri, const std::string& name);
     virtual ~UserAgent();
+
+    // Ends all calls, if run() has not; for the destructor of the derived class.
+    void shut_down();
 
     // Handles an event of a call. An exception is logged, and a request then gets status 500.
     virtual void handle_event(nua_event_t event, int status, nua_handle_t* handle, const sip_t* sip,
@@ -52,7 +52,8 @@ private:
     void dispatch(nua_event_t event, int status, nua_handle_t* handle, const sip_t* sip,
                   const tagi_t* tags);
     void take_signal();
-    void finish();
+    void stop();    // ends all calls; the second time, stops waiting for them
+    void finish();  // returns from run()
 
     const int signals;  // a file descriptor
     std::unique_ptr<su_root_t, Free> root;

@@ -98,7 +98,7 @@ class Misuse(unittest.TestCase):
              "--listen", "sip:0.0.0.0"),
             *((f"--listen: invalid URI '{uri}' (example: sip:127.0.0.1:5080;transport=tcp)",
                "--listen", uri)
-              for uri in ("host", "http://127.0.0.1", "sip:127.0.0.1:65536"))))
+              for uri in ("host", "sip:", "http://127.0.0.1", "sip:127.0.0.1:65536"))))
 
 
 class Values(unittest.TestCase):

@@ -34,7 +34,7 @@ Status run(Options& options) {
                         options.strictness(), options.quiet});
     const std::string uri = server.listen();
     write_output(uri.empty() ? "" : "listening on " + uri + "\n");
-    if (!server.run()) {
+    if (!server.run()) {  // the server cannot be destroyed
         std::_Exit(report(name, "some calls did not end"));
     }
     return DONE;

@@ -61,6 +61,7 @@ std::optional<std::string> host_of(const std::string& uri) {
     };
     const std::unique_ptr<url_t, Free> url(url_make(nullptr, uri.c_str()));
     if (url == nullptr || url->url_type != url_sip || url->url_host == nullptr ||
+        *url->url_host == '\0' ||
         (url->url_port != nullptr && !sdp::number(url->url_port, 65535))) {
         return std::nullopt;
     }

@@ -201,13 +201,12 @@ std::size_t key_size(g_crypto_suite suite) {
     return sizes == nullptr ? 0 : sizes->min;
 }
 
-std::string without_keys(const Description& description, const Section& section) {
+std::string without_keys(const Section& section) {
     std::string text;
     for (const Line& line : section) {
-        const std::string_view content = description.content(line);
-        const std::string_view shown = content.substr(0, size_before_keys(content));
-        text.append(shown).append(shown.size() == content.size() ? "" : "(withheld)");
-        text += description.ending(line);
+        const std::string_view shown = line.text.substr(0, size_before_keys(line.text));
+        text.append(shown).append(shown.size() == line.text.size() ? "" : "(withheld)");
+        text.append(line.ending);
     }
     return text;
 }

@@ -25,12 +25,15 @@ bool consists_of_tokens(std::string_view text, std::string_view others) {
     });
 }
 
-// Parses a line without its line ending.
-Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::string_view content) {
+Line make_line(std::size_t number, std::string_view text, std::string_view ending) {
+    const std::string_view content = trimmed(text);
+    if (content.find('\0') != std::string_view::npos) {
+        throw Refusal(number, "the line contains a NUL byte");
+    }
     if (content.size() < 2 || content[1] != '=') {
         throw Refusal(number, "expected a line of the form x=value");
     }
-    Line line{number, begin, end, end, content[0], {}, content.substr(2)};
+    Line line{number, text, ending, content[0], {}, trimmed(content.substr(2))};
     if (std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos) {
         throw Refusal(number, "unknown type of line");
     }
@@ -38,9 +41,8 @@ Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::stri
         std::vector<std::string_view> parts = split(line.value, ":", 2);
         parts.resize(2);
         line.name = trimmed(parts[0]);
-        line.value = parts[1];
+        line.value = trimmed(parts[1]);
     }
-    line.value = trimmed(line.value);
     return line;
 }
 
@@ -82,29 +84,6 @@ bool is_host_name(std::string_view text) {
            });
 }
 
-AddressField address_field(std::size_t line, const std::string_view* fields) {
-    AddressField field;
-    field.line = line;
-    field.label = fields[1];
-    const std::vector<std::string_view> parts = split(fields[2], "/", 2);
-    field.text = parts[0];
-    field.suffix = parts.size() == 2;
-    const bool is_v6 = same(field.label, "IP6");
-    if (!same(fields[0], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
-        throw Refusal(line, "expected an address of type IN IP4 or IN IP6");
-    }
-    if (!IPAddress::Parse(std::string(field.text), field.address)) {
-        if (is_host_name(field.text)) {
-            throw HostName(line);
-        }
-        throw Refusal(line, "expected an IP address or a host name");
-    }
-    if ((field.address.Family() == AF_INET6) != is_v6) {
-        throw Refusal(line, "the address does not match its type, IP4 or IP6");
-    }
-    return field;
-}
-
 }  // namespace
 
 unsigned long long required_number(std::size_t line, const std::string& what,
@@ -136,18 +115,12 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
         const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
         const std::size_t next =
             std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
-        std::string_view content = text.substr(begin, end - begin);
-        content.remove_prefix(std::min(content.find_first_not_of(blanks), content.size()));
-        if (!content.empty()) {
-            const bool is_first = sections.front().empty();
-            if (is_first && trimmed(content) != "v=0") {
+        const std::string_view content = text.substr(begin, end - begin);
+        if (!trimmed(content).empty()) {
+            if (sections.front().empty() && trimmed(content) != "v=0") {
                 throw Refusal(line_number, "not a session description: the first line is not v=0");
             }
-            if (content.find('\0') != std::string_view::npos) {
-                throw Refusal(line_number, "the line contains a NUL byte");
-            }
-            Line line = make_line(line_number, begin, end, content);
-            line.next = next;
+            const Line line = make_line(line_number, content, text.substr(end, next - end));
             if (line.type == 'm') {
                 sections.emplace_back();
             }
@@ -161,14 +134,6 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     check_order(sections);
 }
 
-std::string_view Description::content(const Line& line) const {
-    return text.substr(line.begin, line.end - line.begin);
-}
-
-std::string_view Description::ending(const Line& line) const {
-    return text.substr(line.end, line.next - line.end);
-}
-
 std::size_t Description::offset(std::string_view piece) const {
     return static_cast<std::size_t>(piece.data() - text.data());
 }
@@ -177,7 +142,7 @@ std::size_t Description::line_at(std::size_t offset) const {
     std::size_t found = 1;
     for (const Section& section : sections) {
         for (const Line& line : section) {
-            if (line.begin <= offset) {
+            if (this->offset(line.text) <= offset) {
                 found = line.number;
             }
         }
@@ -241,20 +206,38 @@ MediaLine media_line(const Line& line) {
     return media;
 }
 
-AddressField connection_address(const Line& line) {
+std::optional<AddressField> address_of(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() != 3) {
-        throw Refusal(line.number, "c= needs a network type, an address type and an address");
+    const std::size_t first = line.type == 'o' ? 3 : line.type == 'a' ? 1 : 0;
+    if (line.type == 'a' && fields.size() == 1) {
+        return std::nullopt;
     }
-    return address_field(line.number, fields.data());
-}
-
-AddressField origin_address(const Line& line) {
-    const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() < 6) {
-        throw Refusal(line.number, "o= needs six fields");
+    if (line.type == 'o' ? fields.size() < 6 : fields.size() != first + 3) {
+        throw Refusal(line.number, line.type == 'o' ? "o= needs six fields"
+                                   : line.type == 'c'
+                                       ? "c= needs a network type, an address type and an address"
+                                       : "a=rtcp needs a port, or a port and an address");
     }
-    return address_field(line.number, &fields[3]);
+    AddressField field;
+    field.line = line.number;
+    field.label = fields[first + 1];
+    const std::vector<std::string_view> parts = split(fields[first + 2], "/", 2);
+    field.text = parts[0];
+    field.suffix = parts.size() == 2;
+    const bool is_v6 = same(field.label, "IP6");
+    if (!same(fields[first], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
+        throw Refusal(line.number, "expected an address of type IN IP4 or IN IP6");
+    }
+    if (!IPAddress::Parse(std::string(field.text), field.address)) {
+        if (is_host_name(field.text)) {
+            throw HostName(line.number);
+        }
+        throw Refusal(line.number, "expected an IP address or a host name");
+    }
+    if ((field.address.Family() == AF_INET6) != is_v6) {
+        throw Refusal(line.number, "the address does not match its type, IP4 or IP6");
+    }
+    return field;
 }
 
 RtcpLine rtcp_line(const Line& line) {
@@ -270,17 +253,6 @@ RtcpLine rtcp_line(const Line& line) {
     }
     rtcp.port = static_cast<unsigned short>(*port);
     return rtcp;
-}
-
-std::optional<AddressField> rtcp_address(const Line& line) {
-    const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() == 1) {
-        return std::nullopt;
-    }
-    if (fields.size() != 4) {
-        throw Refusal(line.number, "a=rtcp needs a port, or a port and an address");
-    }
-    return address_field(line.number, &fields[1]);
 }
 
 const Line* rtcp_of(const Section& section) {

@@ -21,13 +21,12 @@ namespace sdp {
 
 /// A line that is not blank.
 struct Line {
-    std::size_t number;      ///< Counted from 1, blank lines included.
-    std::size_t begin;       ///< Offset of the line in the text.
-    std::size_t end;         ///< Offset of its line ending.
-    std::size_t next;        ///< Offset after its line ending.
-    char type;               ///< The letter before "=".
-    std::string_view name;   ///< The name of an attribute (a=); otherwise empty.
-    std::string_view value;  ///< The text after "name:" or "="; no blanks at its ends.
+    std::size_t number;       ///< Counted from 1, blank lines included.
+    std::string_view text;    ///< The line without its line ending.
+    std::string_view ending;  ///< Its line ending; empty if the text ends there.
+    char type;                ///< The letter before "=".
+    std::string_view name;    ///< The name of an attribute (a=); otherwise empty.
+    std::string_view value;   ///< The text after "name:" or "="; no blanks at its ends.
 };
 
 /// The lines of the session, or a media line (m=) and the lines after it.
@@ -43,12 +42,6 @@ public:
 
     std::string_view text;          ///< The whole text.
     std::vector<Section> sections;  ///< The session's, then one for each media line.
-
-    /// Returns a line as it is in the text, without its line ending.
-    std::string_view content(const Line& line) const;
-
-    /// Returns the line ending of a line; empty if the text ends there.
-    std::string_view ending(const Line& line) const;
 
     /// Returns the offset of a piece of the text.
     std::size_t offset(std::string_view piece) const;
@@ -93,11 +86,9 @@ public:
     explicit HostName(std::size_t given_line);
 };
 
-/// Returns the address of a c= line. Throws HostName, or Refusal if there is no address.
-AddressField connection_address(const Line& line);
-
-/// Returns the address of an o= line. Throws HostName, or Refusal if there is no address.
-AddressField origin_address(const Line& line);
+/// Returns the address of a c=, o= or a=rtcp line; nullopt for an a=rtcp line with only a port.
+/// Throws HostName, or Refusal if there is no address.
+std::optional<AddressField> address_of(const Line& line);
 
 /// a=rtcp:PORT [IN IP4 ADDRESS] (RFC 3605).
 struct RtcpLine {
@@ -107,10 +98,6 @@ struct RtcpLine {
 
 /// Parses the port of an a=rtcp line. Throws Refusal.
 RtcpLine rtcp_line(const Line& line);
-
-/// Returns the address of an a=rtcp line; nullopt if it has only a port. Throws HostName or
-/// Refusal.
-std::optional<AddressField> rtcp_address(const Line& line);
 
 /// Returns the a=rtcp line of a section that counts, the first with a port; or null.
 const Line* rtcp_of(const Section& section);

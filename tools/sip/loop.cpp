@@ -69,8 +69,8 @@ std::optional<std::string> host_of(const std::string& uri) {
     return host.front() == '[' && host.back() == ']' ? host.substr(1, host.size() - 2) : host;
 }
 
-void Server::Free::operator()(su_root_t* root) const {
-    su_root_destroy(root);
+void Server::Free::operator()(su_root_t* owned) const {
+    su_root_destroy(owned);
     su_deinit();
 }
 

@@ -51,9 +51,9 @@ private:
         bool awaits_answer = false;  // in the ACK, to an offer of ours
     };
     struct Free {
-        void operator()(su_root_t* root) const;
-        void operator()(su_timer_t* timer) const { su_timer_destroy(timer); }
-        void operator()(nua_t* nua) const { nua_destroy(nua); }  // after its shutdown
+        void operator()(su_root_t* owned) const;
+        void operator()(su_timer_t* owned) const { su_timer_destroy(owned); }
+        void operator()(nua_t* owned) const { nua_destroy(owned); }  // after its shutdown
     };
 
     // loop.cpp

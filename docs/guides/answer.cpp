@@ -1,113 +1,91 @@
-// The code of answer.md: reads an SDP offer and answers it.
+// The code of answer.md: a call as the side that answers sees it.
 
+#include <algorithm>
+#include <cstddef>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <utility>
 
+#include "answer/call_side.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
-#include "qova/ownership.h"
-#include "sdp_reader.h"
+#include "sdp/reader.h"
 
 namespace {
 
-// [reject]
-void reject(QOVA_Media& media) {
-    media.mediaStatus = QOVA_Media::MS_REJECTED;
-    media.sndPort = media.rcvPort = media.sndPort2 = media.rcvPort2 = 0;
+// [offer]
+// The caller's offer. Its version and one attribute of its audio line change during the call.
+std::string offer(const std::string& version, const std::string& attribute = "") {
+    return "v=0\r\n"
+           "o=- 20518 " +
+           version +
+           " IN IP4 198.51.100.9\r\n"
+           "s=-\r\n"
+           "c=IN IP4 198.51.100.9\r\n"
+           "t=0 0\r\n"
+           "m=audio 49170 RTP/AVP 97 9 8 101\r\n"
+           "a=rtpmap:97 iLBC/8000\r\n"
+           "a=rtpmap:101 telephone-event/8000\r\n" +
+           attribute +
+           "m=video 49172 RTP/AVP 99\r\n"
+           "a=rtpmap:99 H264/90000\r\n";
 }
-// [reject]
+// [offer]
 
-// [keep]
-// Leaves one payload on a line; the others are freed.
-void keep_only(QOVA_Media& media, const QOVA_MediaAttribute* chosen) {
-    for (auto it = media.attributes.begin(); it != media.attributes.end();) {
-        if (*it == chosen) {
-            ++it;
-        } else {
-            delete *it;
-            it = media.attributes.erase(it);
+// [side]
+sdp::CallSide make_side() {
+    sdp::Policy policy{sdp::MediaAddress::parse("192.0.2.7").value()};
+    // Only for output that is always the same. Keys come from here, so leave it out.
+    policy.random = [](unsigned char* to, std::size_t size) { std::fill_n(to, size, '\1'); };
+    const sdp::Plan plan = {sdp::MediaAddress::parse("203.0.113.5").value(), 40000, 7000};
+    return sdp::CallSide(std::move(policy), plan);
+}
+// [side]
+
+// [answer]
+// Answers an INVITE, the first of a call or a later one. Returns the log text.
+std::string answer(sdp::CallSide& side, const std::string& invite) {
+    try {
+        const sdp::Reply reply = side.answer(invite, sdp::Strictness::LENIENT);
+        for (const sdp::Diagnostic& diagnostic : reply.diagnostics) {
+            std::cout << sdp::printed(diagnostic, "INVITE") << '\n';
         }
+        std::cout << (reply.has_common ? "200 OK\n\n" + reply.text : "488 Not Acceptable Here\n");
+        return reply.log;
+    } catch (const sdp::Refusal& refusal) {
+        std::cout << "400 Bad Request: line " << refusal.line << ": " << refusal.what() << '\n';
+        return "";
     }
 }
-// [keep]
-
-// [audio]
-// Answers a line with the first of our codecs that it offers.
-void answer_audio(QOVA_Media& media, unsigned short port) {
-    for (const QOVA_Codec ours : {CODEC_G711_ALAW, CODEC_G711_ULAW}) {
-        if (QOVA_AudioAttribute* const chosen = media.find(ours)) {
-            keep_only(media, chosen);
-            chosen->status = media.mediaStatus = QOVA_Media::MS_ACCEPTED;
-            media.sndPort = media.rcvPort = port;
-            media.sndPort2 = media.rcvPort2 = static_cast<unsigned short>(port + 1);
-            std::swap(media.bsnd, media.brcv);  // sendonly is answered with recvonly
-            return;
-        }
-    }
-    reject(media);
-}
-// [audio]
+// [answer]
 
 }  // namespace
 
 int main() {
-    // [text]
-    const std::string text =
-        "v=0\r\n"
-        "o=- 1 1 IN IP4 198.51.100.9\r\n"
-        "s=-\r\n"
-        "c=IN IP4 198.51.100.9\r\n"
-        "t=0 0\r\n"
-        "m=audio 49170 RTP/AVP 9 8 101\r\n"
-        "a=rtpmap:101 telephone-event/8000\r\n"
-        "a=ptime:20\r\n"
-        "a=sendonly\r\n"
-        "m=video 49172 RTP/AVP 99\r\n"
-        "a=rtpmap:99 H264/90000\r\n";
-    // [text]
-
-    // [read]
-    sdp::Reading reading;
-    try {
-        reading = sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::STRICT);
-    } catch (const sdp::Refusal& refusal) {
-        std::cerr << "line " << refusal.line << ": " << refusal.what() << '\n';
-        return 1;
-    }
-    const QOVA_Capability& offer = *reading.capability;
-    // [read]
-    std::cout << static_cast<const std::string&>(offer) << "--\n";
-
-    IPAddress our_address;
-    if (!IPAddress::Parse("192.0.2.7", our_address)) {
-        return 1;
-    }
-
-    // [answer]
-    QOVA_Capability answer(offer);  // the same lines in the same order (RFC 3264, section 6)
-    answer.offer = false;
-    unsigned short port = QOVA_Capability::AUDIO_PORT_BASE;
-    for (QOVA_Media* const media : answer.filteredMedia) {
-        qova::replace(media->address, std::unique_ptr<IPAddress>(new IPAddress(our_address)));
-        if (media->mediaType == QOVA_Media::MT_AUDIO) {
-            answer_audio(*media, port);
-            port = static_cast<unsigned short>(port + 2);
-        } else {
-            reject(*media);
-        }
-    }
-    // [answer]
-    std::cout << static_cast<const std::string&>(answer) << "--\n";
+    // [call]
+    sdp::CallSide side = make_side();
+    const std::string log = answer(side, offer("1"));  // the call starts
+    std::cout << "--\n" << log << "--\n";
+    answer(side, offer("1"));  // a session timer: the same bytes
+    std::cout << "--\n";
+    answer(side, offer("2", "a=sendonly\r\n"));  // the caller puts the call on hold
+    std::cout << "--\n";
+    answer(side, "v=1\r\n");  // not a description
+    // [call]
+    std::cout << "--\n";
 
     // [ask]
-    const QOVA_Media* const voice = answer.find(CODEC_G711_ALAW);  // borrowed
-    const QOVA_AudioAttribute* const tones = answer.find_mf(static_cast<QOVA_Codec>(101));
-    std::cout << "voice on port " << (voice != nullptr ? voice->rcvPort : 0) << '\n'
+    const std::string text = offer("1");
+    const sdp::Reading reading =
+        sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
+    const QOVA_Capability& capability = *reading.capability;
+    const QOVA_Media* const voice = capability.find(CODEC_G711_ALAW);  // a media line
+    const QOVA_AudioAttribute* const tones =
+        capability.find_mf(static_cast<QOVA_Codec>(101));  // an attribute
+    std::cout << "A-law at port " << (voice != nullptr ? voice->rcvPort : 0) << '\n'
               << "tones with " << (tones != nullptr ? ToString(tones->codec) : "nothing") << '\n'
-              << answer.find(QOVA_Media::MT_VIDEO, QOVA_Media::MS_REJECTED).size()
-              << " video line rejected\n"
-              << "mute: " << (answer.isMute() ? "yes" : "no") << '\n';
+              << capability.find(QOVA_Media::MT_VIDEO, QOVA_Media::MS_ACCEPTED).size()
+              << " video line\n"
+              << "mute: " << (capability.isMute() ? "yes" : "no") << '\n';
     // [ask]
 }

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "changes.h"
+#include "answer/changes.h"
 #include "qova/attributes.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"

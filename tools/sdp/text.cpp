@@ -1,0 +1,267 @@
+#include "sdp/text.h"
+
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <climits>
+
+#include "sdp/strings.h"
+
+namespace sdp {
+
+namespace {
+
+constexpr unsigned long long max_port = 65535;
+constexpr unsigned max_payload_type = 127;
+constexpr std::size_t max_formats = 128;  // as many as RTP has payload types
+
+// Returns true if all characters are token characters (RFC 4566) or in `others`.
+bool consists_of_tokens(std::string_view text, std::string_view others) {
+    return std::all_of(text.begin(), text.end(), [others](char c) {
+        const bool is_printable = c > ' ' && c < '\x7f';
+        const bool is_separator =
+            std::string_view("\"(),/:;<=>?@[\\]").find(c) != std::string_view::npos;
+        return (is_printable && !is_separator) || others.find(c) != std::string_view::npos;
+    });
+}
+
+Line make_line(std::size_t number, std::string_view text, std::string_view ending) {
+    const std::string_view content = trimmed(text);
+    if (content.find('\0') != std::string_view::npos) {
+        throw Refusal(number, "the line contains a NUL byte");
+    }
+    if (content.size() < 2 || content[1] != '=') {
+        throw Refusal(number, "expected a line of the form x=value");
+    }
+    Line line{number, text, ending, content[0], {}, trimmed(content.substr(2))};
+    if (std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos) {
+        throw Refusal(number, "unknown type of line");
+    }
+    if (line.type == 'a') {
+        std::vector<std::string_view> parts = split(line.value, ":", 2);
+        parts.resize(2);
+        line.name = trimmed(parts[0]);
+        line.value = trimmed(parts[1]);
+    }
+    return line;
+}
+
+// Refuses repeated lines, which the parser ignores or reads in its own way.
+void check_order(const std::vector<Section>& sections) {
+    bool has_origin = false;
+    bool has_connection = false;
+    for (const Section& section : sections) {
+        for (const Line& line : section) {
+            const bool in_session = &section == &sections.front();
+            if (line.type == 'v' && &line != &sections.front().front()) {
+                throw Refusal(line.number, "a second description starts here");
+            }
+            if (line.type == 'o' && (has_origin || !in_session)) {
+                throw Refusal(line.number, "o= is allowed once, before the media lines");
+            }
+            if (line.type == 'c' && in_session && has_connection) {
+                throw Refusal(line.number, "the session has a second c= line");
+            }
+            has_origin = has_origin || line.type == 'o';
+            has_connection = has_connection || (line.type == 'c' && in_session);
+        }
+    }
+    if (!has_origin) {
+        throw Refusal(sections.front().front().number, "the o= line is missing");
+    }
+}
+
+// A last label of digits would be part of an IPv4 address.
+bool is_host_name(std::string_view text) {
+    const std::vector<std::string_view> labels = split(text, ".");
+    return !number(labels.back(), ULLONG_MAX) &&
+           std::all_of(labels.begin(), labels.end(), [](std::string_view label) {
+               return !label.empty() && label.front() != '-' &&
+                      std::all_of(label.begin(), label.end(), [](char c) {
+                          return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                 (c >= '0' && c <= '9') || c == '-' || c == '_';
+                      });
+           });
+}
+
+}  // namespace
+
+unsigned long long required_number(std::size_t line, const std::string& what,
+                                   std::string_view digits, unsigned long long max) {
+    const auto value = number(digits, max);
+    if (!value) {
+        throw Refusal(line, what + ": expected a number from 0 to " + std::to_string(max));
+    }
+    return *value;
+}
+
+unsigned required_payload_type(std::size_t line, const std::string& what, std::string_view digits) {
+    const auto value = number(digits, max_payload_type);
+    if (!value) {
+        throw Refusal(line, what + ": expected a payload type from 0 to 127");
+    }
+    return static_cast<unsigned>(*value);
+}
+
+HostName::HostName(std::size_t given_line) : Refusal(given_line, "host names are not resolved") {}
+
+Description::Description(const std::string& whole) : text(whole), sections(1) {
+    if (text.substr(0, 3) == "\xef\xbb\xbf") {
+        throw Refusal(1, "unexpected byte-order mark before v=");
+    }
+    std::size_t line_number = 0;
+    for (std::size_t begin = 0; begin < text.size();) {
+        ++line_number;
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const std::size_t next =
+            std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
+        const std::string_view content = text.substr(begin, end - begin);
+        if (!trimmed(content).empty()) {
+            if (sections.front().empty() && trimmed(content) != "v=0") {
+                throw Refusal(line_number, "not a session description: the first line is not v=0");
+            }
+            const Line line = make_line(line_number, content, text.substr(end, next - end));
+            if (line.type == 'm') {
+                sections.emplace_back();
+            }
+            sections.back().push_back(line);
+        }
+        begin = next;
+    }
+    if (sections.front().empty()) {
+        throw Refusal(0, "the description is empty");
+    }
+    check_order(sections);
+}
+
+std::size_t Description::offset(std::string_view piece) const {
+    return static_cast<std::size_t>(piece.data() - text.data());
+}
+
+std::size_t Description::line_at(std::size_t offset) const {
+    std::size_t found = 1;
+    for (const Section& section : sections) {
+        for (const Line& line : section) {
+            if (this->offset(line.text) <= offset) {
+                found = line.number;
+            }
+        }
+    }
+    return found;
+}
+
+const Line* first_connection(const Section& section) {
+    const auto found = std::find_if(section.begin(), section.end(),
+                                    [](const Line& line) { return line.type == 'c'; });
+    return found == section.end() ? nullptr : &*found;
+}
+
+bool ends_in(std::string_view transport, std::string_view last) {
+    if (transport.size() < last.size()) {
+        return false;
+    }
+    const std::size_t begin = transport.size() - last.size();
+    return same(transport.substr(begin), last) && (begin == 0 || transport[begin - 1] == '/');
+}
+
+MediaLine media_line(const Line& line) {
+    const std::vector<std::string_view> fields = tokens(line.value);
+    if (fields.size() < 3) {
+        throw Refusal(line.number, "m= needs a media type, a port, a transport and formats");
+    }
+    // At other characters the parser can loop until memory runs out.
+    if (!consists_of_tokens(fields[0], "") || !consists_of_tokens(fields[2], "/") ||
+        !std::all_of(fields.begin() + 3, fields.end(),
+                     [](std::string_view format) { return consists_of_tokens(format, ""); })) {
+        throw Refusal(line.number,
+                      "invalid character in the media type, the transport or a format");
+    }
+    MediaLine media;
+    media.type = fields[0];
+    const std::vector<std::string_view> ports = split(fields[1], "/", 2);
+    media.port_digits = ports[0];
+    const auto port = number(media.port_digits, max_port);
+    if (!port) {
+        throw Refusal(line.number, "m=: expected a port from 0 to 65535");
+    }
+    media.port = static_cast<unsigned long>(*port);
+    const auto count = number(ports.size() == 2 ? ports[1] : "1", max_port);
+    if (!count || *count == 0) {
+        throw Refusal(line.number, "m=: expected a number of ports from 1 to 65535");
+    }
+    media.transport = fields[2];
+    media.is_rtp = ends_in(media.transport, "RTP/AVP") || ends_in(media.transport, "RTP/AVPF") ||
+                   ends_in(media.transport, "RTP/SAVP") || ends_in(media.transport, "RTP/SAVPF");
+    media.more_ports =
+        static_cast<unsigned long>(media.is_rtp && *count > 1 ? 2 * *count : *count) - 1;
+    media.formats.assign(fields.begin() + 3, fields.end());
+    if (media.is_rtp && std::any_of(media.formats.begin(), media.formats.end(), [](auto format) {
+            return number(format, ULLONG_MAX).value_or(0) > max_payload_type;
+        })) {
+        throw Refusal(line.number, "m=: expected payload types from 0 to 127");
+    }
+    if (media.formats.size() > max_formats) {
+        throw Refusal(line.number, "m= has more than 128 formats");
+    }
+    return media;
+}
+
+std::optional<AddressField> address_of(const Line& line) {
+    const std::vector<std::string_view> fields = tokens(line.value);
+    const std::size_t first = line.type == 'o' ? 3 : line.type == 'a' ? 1 : 0;
+    if (line.type == 'a' && fields.size() == 1) {
+        return std::nullopt;
+    }
+    if (line.type == 'o' ? fields.size() < 6 : fields.size() != first + 3) {
+        throw Refusal(line.number, line.type == 'o' ? "o= needs six fields"
+                                   : line.type == 'c'
+                                       ? "c= needs a network type, an address type and an address"
+                                       : "a=rtcp needs a port, or a port and an address");
+    }
+    AddressField field;
+    field.line = line.number;
+    field.label = fields[first + 1];
+    const std::vector<std::string_view> parts = split(fields[first + 2], "/", 2);
+    field.text = parts[0];
+    field.suffix = parts.size() == 2;
+    const bool is_v6 = same(field.label, "IP6");
+    if (!same(fields[first], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
+        throw Refusal(line.number, "expected an address of type IN IP4 or IN IP6");
+    }
+    if (!IPAddress::Parse(std::string(field.text), field.address)) {
+        if (is_host_name(field.text)) {
+            throw HostName(line.number);
+        }
+        throw Refusal(line.number, "expected an IP address or a host name");
+    }
+    if ((field.address.Family() == AF_INET6) != is_v6) {
+        throw Refusal(line.number, "the address does not match its type, IP4 or IP6");
+    }
+    return field;
+}
+
+RtcpLine rtcp_line(const Line& line) {
+    const std::vector<std::string_view> fields = tokens(line.value);
+    if (fields.empty()) {
+        throw Refusal(line.number, "a=rtcp needs a port");
+    }
+    RtcpLine rtcp;
+    rtcp.port_digits = fields[0];
+    const auto port = number(rtcp.port_digits, max_port);
+    if (!port || *port == 0) {
+        throw Refusal(line.number, "a=rtcp: expected a port from 1 to 65535");
+    }
+    rtcp.port = static_cast<unsigned short>(*port);
+    return rtcp;
+}
+
+const Line* rtcp_of(const Section& section) {
+    const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
+        const std::vector<std::string_view> fields = tokens(line.value);
+        return same(line.name, "rtcp") && !fields.empty() &&
+               number(fields[0], max_port).value_or(0) != 0;
+    });
+    return found == section.end() ? nullptr : &*found;
+}
+
+}  // namespace sdp

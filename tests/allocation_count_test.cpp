@@ -97,4 +97,47 @@ TEST_F(CountedAllocations, TextMakesOneBesideTheNamesOfTheSuites) {
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
 }
 
+TEST_F(CountedAllocations, NamesMakeNone) {
+    EXPECT_EQ(made_by([] {
+                  ToString(payload_type(127));
+                  ToString(static_cast<QOVA_EarlyMedia>(-1));
+                  QOVA_Media::ToString(QOVA_Media::MS_ACCEPTED);
+                  QOVA_Media::ToString(QOVA_Media::MT_AUDIO);
+              }),
+              0U);
+}
+
+// Default construction, copy, assignment and equality.
+template <class Attribute>
+void use_as_value() {
+    Attribute attribute;
+    const Attribute copy(attribute);
+    attribute = copy;
+    const QOVA_MediaAttribute& base = copy;
+    EXPECT_TRUE(attribute == base);
+}
+
+TEST_F(CountedAllocations, PlainValuesMakeNone) {
+    EXPECT_EQ(made_by([] {
+                  use_as_value<QOVA_AudioAttribute>();
+                  use_as_value<QOVA_VideoAttribute>();
+                  use_as_value<QOVA_FaxAttribute>();
+                  use_as_value<QOVA_DataAttribute>();
+                  EXPECT_TRUE(QOVA_Crypto() == QOVA_Crypto());
+                  EXPECT_TRUE(QOVA_Capability() == QOVA_Capability());
+              }),
+              0U);
+}
+
+TEST_F(CountedAllocations, SelfAssignmentMakesNone) {
+    QOVA_Media& media = *offer.filteredMedia.front();
+    const QOVA_Media& same_media = media;
+    const QOVA_Capability& same_offer = offer;
+    EXPECT_EQ(made_by([&] {
+                  media = same_media;
+                  offer = same_offer;
+              }),
+              0U);
+}
+
 }  // namespace

@@ -14,6 +14,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 
@@ -121,8 +122,8 @@ private:
     // Few different values, so that searches find and comparisons agree.
     template <class Number>
     Number any() {
-        static constexpr long long numbers[] = {0, 1, 1, 2, 2, 3, 6666, 32000, 65535, -1};
-        return static_cast<Number>(numbers[below(std::size(numbers))]);
+        static constexpr long long numbers[] = {0, 1, 2, 3, 6666, 32000, 65535, -1};
+        return static_cast<Number>(numbers[below(std::is_enum_v<Number> ? 4 : std::size(numbers))]);
     }
 
     IPAddress any_address() {
@@ -188,7 +189,7 @@ private:
     template <class... Classes, class Element>
     void append_one(std::list<Element*>& list) {
         for (const std::size_t kept = below(4); list.size() > kept;) {
-            qova::erase(list, list.begin());
+            qova::erase(list, std::prev(list.end()));
         }
         std::size_t chosen = below(sizeof...(Classes));
         attempt([&] { ((chosen-- == 0 ? fill(qova::append<Classes>(list)) : void()), ...); });
@@ -198,6 +199,10 @@ private:
         QOVA_Media* const media = any_of(target.filteredMedia);
         if (media == nullptr || one_in(3)) {
             append_one<QOVA_Media, Derived<QOVA_Media>>(target.filteredMedia);
+            if (QOVA_Media* const changed = any_of(target.filteredMedia)) {
+                set(changed->mediaType);
+                set(changed->mediaStatus);
+            }
         } else if (one_in(3)) {
             append_one<QOVA_Crypto, Derived<QOVA_Crypto>>(media->cryptos);
         } else {
@@ -342,21 +347,25 @@ private:
         for (QOVA_Media* const media : reversed(target.filteredMedia)) {
             const bool is_audio = media->mediaType == QOVA_Media::MT_AUDIO;
             const bool is_fax = media->mediaType == QOVA_Media::MT_FAX;
+            QOVA_AudioAttribute* of_codec = nullptr;
             QOVA_MediaAttribute* of_kind = nullptr;
             for (QOVA_MediaAttribute* const any : reversed(media->attributes)) {
-                auto* const audio = is_audio ? dynamic_cast<QOVA_AudioAttribute*>(any) : nullptr;
+                auto* const audio = dynamic_cast<QOVA_AudioAttribute*>(any);
                 auto* const fax = is_fax ? dynamic_cast<QOVA_FaxAttribute*>(any) : nullptr;
-                with_codec = audio != nullptr && audio->codec == codec ? media : with_codec;
-                with_mf = audio != nullptr && audio->mf == codec ? audio : with_mf;
+                of_codec = audio != nullptr && audio->codec == codec ? audio : of_codec;
+                with_mf = is_audio && audio != nullptr && audio->mf == codec ? audio : with_mf;
                 with_fax = fax != nullptr && fax->transport == transport ? media : with_fax;
                 of_kind = any->attributeType == kind && fits(any->status) ? any : of_kind;
             }
             const bool mute = media->address->IsAny() != 0 || media->rcvPort == 0;
-            expect(media->find(kind, status) == of_kind && media->isMute() == mute, "search");
+            expect(media->find(codec) == of_codec && media->find(kind, status) == of_kind &&
+                       media->isMute() == mute,
+                   "search");
+            ++counts[of_codec == nullptr ? "not found" : "found"];
+            with_codec = is_audio && of_codec != nullptr ? media : with_codec;
             is_mute = is_mute || (is_audio && mute);
             all.insert(all.begin(), media->mediaType == type && fits(media->mediaStatus), media);
         }
-        ++counts[with_codec == nullptr ? "not found" : "found"];
         expect(target.find(codec) == with_codec && target.find_mf(codec) == with_mf &&
                    target.find(transport) == with_fax && target.isMute() == is_mute &&
                    target.find(type, status) == all,

@@ -8,7 +8,7 @@
 
 TEST(RandomSequences, KeepTheRules) {
     sequences::Counts counts;
-    for (unsigned seed = 0; seed < 40; ++seed) {
+    for (unsigned seed = 0; seed < 80; ++seed) {
         std::mt19937 random(seed);
         std::vector<unsigned char> bytes(1000);
         for (unsigned char& byte : bytes) {

@@ -1,0 +1,288 @@
+#include "properties.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace tools {
+
+namespace {
+
+using Messages = std::vector<Message>;
+
+std::string shown(const std::optional<Message>& message) {
+    return message ? std::to_string(message->line) + ": " + message->text : "accepted";
+}
+
+void demand(bool holds, const std::string& what, const std::string& detail = "") {
+    if (!holds) {
+        throw Broken(detail.empty() ? what : what + ":\n" + detail);
+    }
+}
+
+std::vector<std::string> lines_of(const std::string& text) {
+    std::vector<std::string> lines;
+    std::size_t begin = 0;
+    while (begin < text.size()) {
+        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const std::size_t first = std::min(text.find_first_not_of(" \t", begin), end);
+        lines.push_back(text.substr(first, end - first));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+void check_message(const Message& message, const std::string& text) {
+    const auto is_end = [](char byte) { return byte == '\n' || byte == '\r'; };
+    const auto last = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), is_end)) + 1;
+    demand(!message.text.empty(), "a message is empty");
+    demand(message.line <= last, "a message names no line", shown(message));
+    demand(std::all_of(message.text.begin(), message.text.end(),
+                       [](char byte) { return byte >= ' ' && byte <= '~'; }),
+           "a message cannot be printed", message.text);
+}
+
+void check_messages(const Messages& messages, const std::string& text) {
+    for (const Message& message : messages) {
+        check_message(message, text);
+    }
+    demand(
+        std::is_sorted(messages.begin(), messages.end(),
+                       [](const auto& left, const auto& right) { return left.line < right.line; }),
+        "the messages are not in the order of the lines");
+}
+
+// --- Keys ----------------------------------------------------------------------------------------
+
+// What stands for a key: its base64, and its first bytes as hexadecimal and decimal numbers.
+// Shorter texts may stand in a description for other reasons.
+constexpr std::size_t least_key = 37;
+constexpr std::size_t searched = 12;
+
+std::string bytes_of(const std::string& base64) {
+    std::string bytes;
+    unsigned bits = 0;
+    unsigned value = 0;
+    for (const char digit : base64) {
+        constexpr std::string_view digits =
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+        const std::size_t at = digits.find(digit);
+        if (at == std::string_view::npos) {
+            break;
+        }
+        value = (value << 6U | static_cast<unsigned>(at)) & 0xFFFFU;
+        bits += 6;
+        if (bits >= 8) {
+            bits -= 8;
+            bytes += static_cast<char>(value >> bits);
+        }
+    }
+    return bytes;
+}
+
+// The keys that stand in a text after "inline:" and nowhere else.
+std::vector<std::string> offered_keys(const std::string& text) {
+    constexpr std::string_view method = "inline:";
+    std::vector<std::string> keys;
+    for (std::size_t at = text.find(method); at != std::string::npos; at = text.find(method, at)) {
+        at += method.size();
+        const std::size_t size = std::min(text.find_first_of("|; \t\r\n", at), text.size()) - at;
+        const std::string key = text.substr(at, size);
+        const std::string begin = key.substr(0, searched);
+        bool stands_elsewhere = false;
+        for (std::size_t other = text.find(begin); other != std::string::npos;
+             other = text.find(begin, other + 1)) {
+            stands_elsewhere |= other < method.size() ||
+                                text.compare(other - method.size(), method.size(), method) != 0;
+        }
+        if (size >= least_key && !stands_elsewhere) {
+            keys.push_back(key);
+        }
+    }
+    return keys;
+}
+
+void check_without_key(const std::string& shown, const std::string& key) {
+    std::string hexadecimal;
+    std::string decimal;
+    for (const char byte : bytes_of(key).substr(0, 8)) {
+        const unsigned value = static_cast<unsigned char>(byte);
+        hexadecimal += {"0123456789abcdef"[value / 16], "0123456789abcdef"[value % 16]};
+        decimal += (decimal.empty() ? "" : ", ") + std::to_string(value);
+    }
+    for (const std::string& form : {key.substr(0, searched), hexadecimal, decimal}) {
+        demand(shown.find(form) == std::string::npos, "a key is shown", shown);
+    }
+}
+
+std::string all_of(const Messages& messages) {
+    std::string all;
+    for (const Message& message : messages) {
+        all += shown(message) + "\n";
+    }
+    return all;
+}
+
+void check_without_keys(const std::string& shown, const std::string& text) {
+    // A word for keys of other kinds in the cases.
+    demand(shown.find("SecretKeyMaterial") == std::string::npos, "a secret is shown", shown);
+    for (const std::string& key : offered_keys(text)) {
+        check_without_key(shown, key);
+    }
+}
+
+// --- Reading -------------------------------------------------------------------------------------
+
+// Returns whether it can be read.
+bool check_reading(const std::string& text, Role role) {
+    const Result<Read> lenient = read(text, role, Strictness::LENIENT);
+    const Result<Read> strict = read(text, role, Strictness::STRICT);
+    Messages expected = lenient.value.warnings;
+    if (lenient.refusal) {
+        check_message(*lenient.refusal, text);
+        expected.insert(expected.begin(), *lenient.refusal);
+    }
+    check_messages(lenient.value.warnings, text);
+    demand(shown(strict.refusal) == (expected.empty() ? "accepted" : shown(expected.front())),
+           "a strict reading is refused for another reason", shown(strict.refusal));
+    demand(strict.refusal || strict.value.log == lenient.value.log, "a strict reading is another",
+           strict.value.log);
+    check_without_keys(lenient.value.log + all_of(expected), text);
+    return !lenient.refusal;
+}
+
+std::string log_of(const std::string& text, Role role) {
+    const Result<Read> reading = read(text, role, Strictness::LENIENT);
+    demand(!reading.refusal, "what a tool wrote is refused", shown(reading.refusal) + "\n" + text);
+    return reading.value.log;
+}
+
+// The kind and the transport of each media line.
+std::vector<std::string> kinds(const std::string& text) {
+    std::vector<std::string> all;
+    for (const std::string& line : lines_of(text)) {
+        if (line.compare(0, 2, "m=") == 0) {
+            std::istringstream words(line);
+            std::string kind;
+            std::string port;
+            std::string transport;
+            words >> kind >> port >> transport;
+            all.push_back(kind.append(" ").append(transport));
+        }
+    }
+    return all;
+}
+
+}  // namespace
+
+void check_move(const std::string& text, const Move& there, Counts& counts) {
+    const Result<Read> reading = read(text, there.role, there.strictness);
+    const Result<Moved> moved = move(text, there);
+    if (moved.refusal) {
+        check_message(*moved.refusal, text);
+        check_without_keys(shown(moved.refusal), text);
+    }
+    if (reading.refusal) {
+        demand(shown(moved.refusal) == shown(reading.refusal),
+               "a move is refused for another reason", shown(moved.refusal));
+    }
+    if (moved.refusal) {
+        return;
+    }
+    ++counts.moved;
+    check_messages(moved.value.warnings, text);
+    check_without_keys(moved.value.log_after + all_of(moved.value.warnings), text);
+    demand(moved.value.log_before == log_of(text, there.role), "the log before the move is another",
+           moved.value.log_before);
+    demand(moved.value.log_after == log_of(moved.value.text, there.role),
+           "the log after the move is another", moved.value.log_after + moved.value.text);
+    if (moved.value.old_address.empty()) {
+        demand(there.back || there.merge, "there is no way back", moved.value.text);
+        return;
+    }
+    Move back = there;
+    back.plan.address = moved.value.old_address;
+    back.back = !there.back;
+    back.strictness = Strictness::LENIENT;
+    const Result<Moved> restored = move(moved.value.text, back);
+    demand(!restored.refusal, "the way back is refused", shown(restored.refusal));
+    demand(restored.value.text == text, "the way back does not restore it", restored.value.text);
+    ++counts.restored;
+}
+
+void check_answer(const std::string& text, const Policy& policy, Counts& counts) {
+    const Result<Read> offer = read(text, Role::OFFER, Strictness::LENIENT);
+    const Result<Answered> first = answer(text, policy);
+    if (first.refusal) {
+        check_message(*first.refusal, text);
+        check_without_keys(shown(first.refusal), text);
+        // Public ports may run beyond the last.
+        demand(offer.refusal ? shown(first.refusal) == shown(offer.refusal)
+                             : policy.public_plan.has_value(),
+               "an answer is refused for another reason", shown(first.refusal));
+        return;
+    }
+    const Answered& answered = first.value;
+    ++counts.answered;
+    counts.accepted += answered.has_common ? 1U : 0U;
+    demand(all_of(answered.warnings) == all_of(offer.value.warnings), "the warnings are others",
+           all_of(answered.warnings));
+    check_messages(answered.rejections, text);
+    const std::string shown =
+        answered.log + all_of(answered.warnings) + all_of(answered.rejections);
+    check_without_keys(shown + answered.text, text);
+    for (const std::string& key : answered.keys) {
+        check_without_key(shown, base64(key));
+    }
+
+    const Strictness strictness =
+        offer.value.warnings.empty() ? Strictness::STRICT : Strictness::LENIENT;
+    const Result<Read> reread = read(answered.text, Role::ANSWER, strictness);
+    demand(!reread.refusal, "the answer cannot be read", answered.text);
+    demand(kinds(answered.text) == kinds(text), "the answer has other lines", answered.text);
+    if (policy.public_plan && text.find(policy.local) == std::string::npos) {
+        demand(answered.text.find(policy.local) == std::string::npos,
+               "the answer has the local address", answered.text);
+    }
+    const Result<Answered> again = answer(text, policy, answered.text);
+    demand(!again.refusal && again.value.changed == false,
+           "the answer does not read as what it was written from", answered.text + again.value.log);
+    demand(again.value.text == answered.text, "a side that goes on gives another answer",
+           again.value.text);
+}
+
+void check_properties(const std::string& text, Counts& counts) {
+    const bool is_readable = check_reading(text, Role::ANSWER);
+    demand(check_reading(text, Role::OFFER) == is_readable, "the role decides on the refusal");
+    counts.readable += is_readable ? 1U : 0U;
+    counts.strict += read(text, Role::OFFER, Strictness::STRICT).refusal ? 0U : 1U;
+
+    Move back;
+    back.plan.audio_port = 31990;
+    back.plan.fax_port = 6000;
+    back.back = true;
+    Move merge;
+    merge.plan.audio_port = 32002;
+    merge.merge = true;
+    Move answer;
+    answer.role = Role::ANSWER;
+    Move strict;
+    strict.strictness = Strictness::STRICT;
+    for (const Move& move : {Move{}, Move{{"2001:DB8::0:9", 31999, 6667}},
+                             Move{{"10.0.0.1", 32000, 6666}}, back, merge, answer, strict}) {
+        check_move(text, move, counts);
+    }
+    Policy narrow;
+    narrow.codecs = {"PCMU", "AMR-WB"};
+    narrow.suites = {"AES_CM_128_HMAC_SHA1_32"};
+    narrow.fax = false;
+    Policy behind_public;
+    behind_public.local = "192.168.250.1";
+    behind_public.public_plan = Plan{};
+    Policy ipv6;
+    ipv6.local = "2001:db8::1";
+    for (const Policy& policy : {Policy{}, narrow, behind_public, ipv6}) {
+        check_answer(text, policy, counts);
+    }
+}
+
+}  // namespace tools

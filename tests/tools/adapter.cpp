@@ -62,8 +62,10 @@ std::string key_text(const QOVA_CryptoKey& key) {
     }
     const auto end = std::find_if(std::rbegin(key.key), std::rend(key.key),
                                   [](unsigned char byte) { return byte != 0; });
-    return "inline:" + base64(std::string(std::begin(key.key), end.base())) + "|" +
-           std::to_string(key.lifetime) + "|" + mki + ":" + std::to_string(key.mkiSize);
+    const std::string bytes(std::begin(key.key), end.base());
+    return "inline:" + base64(bytes) +
+           (key.lifetime == 0 ? "" : "|" + std::to_string(key.lifetime)) +
+           (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
 }
 
 std::vector<std::string> crypto_texts(const sdp::Reading& reading) {

@@ -1,6 +1,7 @@
 #include "case_file.h"
 
 #include <algorithm>
+#include <numeric>
 #include <regex>
 #include <sstream>
 
@@ -10,19 +11,28 @@ namespace tools {
 
 namespace {
 
+constexpr char separator[] = " $/ ";
+const std::string arrow = " => ";
+
 bool begins(const std::string& line, const std::string& with) {
     return line.compare(0, with.size(), with) == 0;
 }
 
-Lines split(const std::string& text) {
+bool is_alternative(const std::string& line) {
+    return begins(line, "|");
+}
+
+Lines split(const std::string& text, const std::string& ending) {
     Lines lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find(ending, begin), text.size());
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + ending.size();
     }
     return lines;
 }
 
+// Drops empty lines at the end.
 void trim(Lines& lines) {
     while (!lines.empty() && lines.back().empty()) {
         lines.pop_back();
@@ -36,34 +46,23 @@ std::string head(const std::string& address) {
 }
 
 std::string key(std::size_t size) {
-    std::string bytes;
-    while (bytes.size() < size) {
-        bytes += static_cast<char>(bytes.size());
-    }
+    std::string bytes(size, '\0');
+    std::iota(bytes.begin(), bytes.end(), '\0');
     return base64(bytes);
 }
 
-// The piece that a "$" begins, and how long it is written.
-std::string piece(const std::string& line, std::size_t at, std::size_t& size) {
-    static const std::regex form(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET))");
-    std::smatch match;
-    if (!std::regex_search(line.begin() + static_cast<std::ptrdiff_t>(at), line.end(), match, form,
-                           std::regex_constants::match_continuous)) {
-        throw std::invalid_argument("unknown piece: " + line.substr(at));
+void replace_all(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
     }
-    size = static_cast<std::size_t>(match.length());
-    if (match[1].matched) {
-        return key(std::stoul(match[1]));
-    }
-    return match[2].matched ? std::string(1, static_cast<char>(std::stoul(match[2], nullptr, 16)))
-                            : "SecretKeyMaterialThatNobodyMayEverSeeHere";
 }
 
 }  // namespace
 
-const Section* Case::section(const std::string& of) const {
+Section* Case::section(const std::string& of) {
     const auto at = std::find_if(sections.begin(), sections.end(),
-                                 [&](const Section& section) { return section.name == of; });
+                                 [&](const Section& one) { return one.name == of; });
     return at == sections.end() ? nullptr : &*at;
 }
 
@@ -71,7 +70,7 @@ CaseFile parse(const std::string& text) {
     CaseFile file;
     Lines* block = &file.comment;
     std::size_t number = 0;
-    for (const std::string& line : split(text)) {
+    for (const std::string& line : split(text, "\n")) {
         ++number;
         if (begins(line, "== ")) {
             trim(*block);
@@ -79,9 +78,10 @@ CaseFile parse(const std::string& text) {
             block = &file.cases.back().input;
         } else if (begins(line, "-- ") && !file.cases.empty()) {
             trim(*block);
-            const std::size_t end = std::min(line.find(' ', 3), line.size());
-            file.cases.back().sections.push_back(
-                {line.substr(3, end - 3), line.substr(std::min(end + 1, line.size())), {}});
+            const std::size_t end = std::min(line.find(' ', 3), line.size() - 1);
+            file.cases.back().sections.push_back({line.substr(3, line.find(' ', 3) - 3),
+                                                  line[end] == ' ' ? line.substr(end + 1) : "",
+                                                  {}});
             block = &file.cases.back().sections.back().lines;
         } else {
             block->push_back(line);
@@ -100,10 +100,10 @@ std::string text_of(const CaseFile& file) {
     };
     write(file.comment);
     for (const Case& one : file.cases) {
-        write({text.empty() ? "== " + one.name : "\n== " + one.name});
+        write({(text.empty() ? "== " : "\n== ") + one.name});
         write(one.input);
         for (const Section& section : one.sections) {
-            write({"-- " + section.name + (section.word.empty() ? "" : " " + section.word)});
+            write({"-- " + section.name + (section.pattern.empty() ? "" : " " + section.pattern)});
             write(section.lines);
         }
     }
@@ -111,64 +111,95 @@ std::string text_of(const CaseFile& file) {
 }
 
 std::vector<Lines> alternatives(const Lines& block) {
-    const auto is_first = [](const std::string& line) { return begins(line, "|"); };
-    const auto first = std::find_if(block.begin(), block.end(), is_first);
-    const auto last = std::find_if(first, block.end(), [&](const std::string& line) {
-        return !is_first(line) && !begins(line, "  ");
-    });
-    if (first == last) {
-        return {block};
-    }
+    const auto first = std::find_if(block.begin(), block.end(), is_alternative);
+    const auto last = std::find_if_not(first, block.end(), is_alternative);
     std::vector<Lines> all;
     for (auto line = first; line != last; ++line) {
-        if (is_first(*line)) {
-            all.emplace_back(block.begin(), first);
+        const Lines lines = split(line->substr(0, line->find(arrow)).substr(1), separator);
+        all.emplace_back(block.begin(), first);
+        for (const std::string& one : lines) {
+            all.back().push_back(&one == &lines.front() ? one.substr(1) : one);
         }
-        if (*line != "|") {
-            all.back().push_back(line->substr(2));
+        all.back().insert(all.back().end(), last, block.end());
+    }
+    return all.empty() ? std::vector<Lines>{block} : all;
+}
+
+std::vector<Lines> answers(const Lines& block) {
+    std::vector<Lines> all;
+    for (const std::string& line : block) {
+        if (is_alternative(line)) {
+            const std::size_t at = line.find(arrow);
+            all.push_back(at == std::string::npos
+                              ? Lines{}
+                              : split(line.substr(at + arrow.size()), separator));
         }
     }
-    for (Lines& one : all) {
-        one.insert(one.end(), last, block.end());
+    return all;
+}
+
+Lines with_answers(const Lines& block, const std::vector<Lines>& texts) {
+    Lines all = block;
+    auto text = texts.begin();
+    for (std::string& line : all) {
+        if (is_alternative(line)) {
+            line.resize(std::min(line.find(arrow), line.size()));
+            line += text->empty() ? "" : arrow + joined({*text})[0].substr(2);
+            ++text;
+        }
     }
     return all;
 }
 
 Lines joined(const std::vector<Lines>& blocks) {
-    if (std::all_of(blocks.begin(), blocks.end(),
-                    [&](const Lines& block) { return block == blocks.front(); })) {
-        return blocks.front();
-    }
     Lines all;
     for (const Lines& block : blocks) {
-        const char* mark = "| ";
+        all.emplace_back("|");
         for (const std::string& line : block) {
-            all.push_back(mark + line);
-            mark = "  ";
-        }
-        if (block.empty()) {
-            all.emplace_back("|");
+            all.back() += (all.back() == "|" ? " " : separator) + line;
         }
     }
     return all;
 }
 
+Lines matching(const Lines& lines, const std::string& pattern) {
+    if (pattern.empty()) {
+        return lines;
+    }
+    const std::regex form(pattern);
+    Lines found;
+    for (const std::string& line : lines) {
+        std::string pieces;
+        for (std::sregex_iterator it(line.begin(), line.end(), form), end; it != end; ++it) {
+            pieces += (pieces.empty() ? "" : " ") + it->str();
+        }
+        if (!pieces.empty()) {
+            found.push_back(pieces);
+        }
+    }
+    return found;
+}
+
 std::string unescaped(const Lines& lines) {
+    static const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[^$])");
     std::string text;
     for (std::string line : lines) {
         std::string ending = "\r\n";
         for (const auto& [mark, bytes] : {std::pair("$LF", "\n"), {"$CR", "\r"}, {"$END", ""}}) {
-            const std::string name = mark;
-            if (line.size() >= name.size() && line.substr(line.size() - name.size()) == name) {
+            const std::size_t at = line.rfind(mark);
+            if (at != std::string::npos && line.substr(at) == mark) {
                 ending = bytes;
-                line.resize(line.size() - name.size());
+                line.resize(at);
                 break;
             }
         }
-        for (std::size_t at = 0; at < line.size(); ++at) {
-            std::size_t size = 1;
-            text += line[at] == '$' ? piece(line, at, size) : std::string(1, line[at]);
-            at += size - 1;
+        for (std::sregex_iterator it(line.begin(), line.end(), piece), end; it != end; ++it) {
+            const std::smatch& match = *it;
+            text += match[1].matched ? key(std::stoul(match[1]))
+                    : match[2].matched
+                        ? std::string(1, static_cast<char>(std::stoul(match[2], nullptr, 16)))
+                    : match.length() > 1 ? "SecretKeyMaterialThatNobodyMayEverSeeHere"
+                                         : match.str();
         }
         text += ending;
     }
@@ -176,87 +207,106 @@ std::string unescaped(const Lines& lines) {
 }
 
 Lines escaped(const std::string& text) {
-    static const std::vector<std::pair<std::string, std::string>> keys = {
-        {key(46), "$KEY46"}, {key(44), "$KEY44"}, {key(30), "$KEY30"}, {key(28), "$KEY28"}};
     Lines lines;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const bool is_crlf = text.compare(end, 2, "\r\n") == 0;
         std::string line;
         for (std::size_t at = begin; at < end; ++at) {
             const char byte = text[at];
-            const bool is_plain = byte > ' ' && byte <= '~' && byte != '$';
-            const bool is_inner_blank = byte == ' ' && at + 1 != end;
-            constexpr char digits[] = "0123456789abcdef";
             const auto value = static_cast<unsigned char>(byte);
-            line += is_plain || is_inner_blank
-                        ? std::string(1, byte)
-                        : std::string("$x") + digits[value / 16] + digits[value % 16];
-        }
-        for (const auto& [written, name] : keys) {
-            for (std::size_t at = line.find(written); at != std::string::npos;
-                 at = line.find(written)) {
-                line.replace(at, written.size(), name);
+            const bool is_last_blank = byte == ' ' && at + 1 == end && is_crlf;
+            if (byte >= ' ' && byte <= '~' && byte != '$' && !is_last_blank) {
+                line += byte;
+            } else {
+                line += {'$', 'x', "0123456789abcdef"[value / 16], "0123456789abcdef"[value % 16]};
             }
         }
-        const bool is_crlf = text.compare(end, 2, "\r\n") == 0;
-        begin = end + (is_crlf ? 2 : 1);
+        for (const std::size_t size : {46U, 44U, 38U, 30U, 28U}) {
+            replace_all(line, key(size), "$KEY" + std::to_string(size));
+        }
         lines.push_back(line + (is_crlf              ? ""
                                 : end == text.size() ? "$END"
                                 : text[end] == '\n'  ? "$LF"
                                                      : "$CR"));
+        begin = end + (is_crlf ? 2 : 1);
     }
     return lines;
 }
 
-std::string with_head(const std::string& text, const std::string& address) {
-    const bool is_piece = text.size() > 1 && text[0] != 'v' && text[1] == '=';
-    return is_piece ? head(address) + text : text;
+std::string with_head(const std::string& text) {
+    return text.size() > 1 && text[0] != 'v' && text[1] == '=' ? head("10.0.0.1") + text : text;
 }
 
 std::string without_head(const std::string& text, const std::string& address) {
-    // The number of the session is a random one.
-    const std::string usual =
-        std::regex_replace(text, std::regex("^v=0\r\no=- \\d+ 1 "), "v=0\r\no=- 1 1 ");
+    // The number of an answerer's session is a random one.
+    static const std::regex origin("^v=0\r\no=- \\d+ 1 ");
+    const std::string usual = std::regex_replace(text, origin, "v=0\r\no=- 1 1 ");
     return begins(usual, head(address)) ? usual.substr(head(address).size()) : text;
 }
 
 Lines plain_lines(const std::string& text) {
-    Lines lines = split(text);
+    static const std::regex blanks("[ \t]+");
+    Lines lines = split(text, "\n");
     for (std::string& line : lines) {
-        line = std::regex_replace(line, std::regex("[ \t]+"), " ");
+        line = std::regex_replace(line, blanks, " ");
         line.erase(0, line.find_first_not_of(' '));
-        if (!line.empty() && line.back() == '\r') {
-            line.pop_back();
-        }
+        line.resize(line.find_last_not_of('\r') + 1);
     }
+    trim(lines);
     return lines;
 }
 
-std::string difference(const Lines& expected, const Lines& found) {
+Lines difference(const Lines& before, const Lines& after) {
     // The length of the longest common subsequence of what follows.
-    std::vector<std::vector<std::size_t>> common(expected.size() + 1,
-                                                 std::vector<std::size_t>(found.size() + 1));
-    for (std::size_t i = expected.size(); i-- != 0;) {
-        for (std::size_t k = found.size(); k-- != 0;) {
-            common[i][k] = expected[i] == found[k] ? common[i + 1][k + 1] + 1
-                                                   : std::max(common[i + 1][k], common[i][k + 1]);
+    std::vector<std::vector<std::size_t>> common(before.size() + 1,
+                                                 std::vector<std::size_t>(after.size() + 1));
+    for (std::size_t i = before.size(); i-- != 0;) {
+        for (std::size_t k = after.size(); k-- != 0;) {
+            common[i][k] = before[i] == after[k] ? common[i + 1][k + 1] + 1
+                                                 : std::max(common[i + 1][k], common[i][k + 1]);
         }
     }
-    std::string text;
+    Lines all;
     std::size_t i = 0;
     std::size_t k = 0;
-    while (i != expected.size() || k != found.size()) {
-        if (i != expected.size() && k != found.size() && expected[i] == found[k]) {
-            text += "    " + expected[i++] + "\n";
+    while (i != before.size() || k != after.size()) {
+        if (i != before.size() && k != after.size() && before[i] == after[k]) {
+            all.push_back("  " + before[i++]);
             ++k;
-        } else if (k == found.size() ||
-                   (i != expected.size() && common[i + 1][k] >= common[i][k + 1])) {
-            text += "  - " + expected[i++] + "\n";
+        } else if (k == after.size() ||
+                   (i != before.size() && common[i + 1][k] >= common[i][k + 1])) {
+            all.push_back("- " + before[i++]);
         } else {
-            text += "  + " + found[k++] + "\n";
+            all.push_back("+ " + after[k++]);
         }
     }
-    return text;
+    return all;
+}
+
+Lines changes(const std::string& before, const std::string& after, const std::string& address) {
+    const std::string short_before = without_head(before, "10.0.0.1");
+    const std::string short_after = without_head(after, address);
+    const bool are_short = short_before != before && short_after != after;
+    Lines all;
+    std::size_t number = are_short ? 5 : 0;
+    std::size_t gone = 0;  // how many of the last lines are gone and not replaced yet
+    for (const std::string& line : difference(escaped(are_short ? short_before : before),
+                                              escaped(are_short ? short_after : after))) {
+        if (line[0] == '-') {
+            all.push_back("-" + std::to_string(number + ++gone) + ":" + line.substr(1));
+            continue;
+        }
+        ++number;
+        if (line[0] == ' ') {
+            gone = 0;
+        } else if (gone != 0) {
+            all[all.size() - gone--] = std::to_string(number) + ":" + line.substr(1);
+        } else {
+            all.push_back("+" + std::to_string(number) + ":" + line.substr(1));
+        }
+    }
+    return all;
 }
 
 }  // namespace tools

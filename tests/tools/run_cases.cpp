@@ -12,10 +12,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <iterator>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -27,7 +27,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using tools::Case;
 using tools::Lines;
 using tools::Message;
 
@@ -35,7 +34,7 @@ std::string read_file(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
     if (!(text << in.rdbuf()) && fs::file_size(path) != 0) {
-        throw std::runtime_error("cannot read " + path.string());
+        throw std::runtime_error("cannot read it");
     }
     return text.str();
 }
@@ -43,7 +42,7 @@ std::string read_file(const fs::path& path) {
 // The whole file or nothing of it.
 void write_file(const fs::path& path, const std::string& text) {
     const fs::path part = path.string() + ".part";
-    std::ofstream(part, std::ios::binary) << text << std::flush;
+    std::ofstream(part, std::ios::binary) << text;
     if (read_file(part) != text) {
         throw std::runtime_error("cannot write " + part.string());
     }
@@ -54,38 +53,35 @@ void write_file(const fs::path& path, const std::string& text) {
 
 // A description, and what it is run with.
 struct Run {
-    std::string input;
+    std::string text;
+    std::size_t lines_before = 0;  // in a message
+    std::optional<Message> refusal;
     std::string previous;
     tools::Role role = tools::Role::OFFER;
     tools::Move move;
     tools::Policy policy;
 
-    std::string text() const { return tools::find(input).value.text; }
+    explicit Run(const std::string& input) : text(input) {
+        const tools::Result<tools::Found> found = tools::find(input);
+        refusal = found.refusal;
+        if (!refusal) {
+            text = found.value.text;
+            lines_before = found.value.lines_before;
+            refusal = reading().refusal;
+        }
+    }
     tools::Result<tools::Read> reading() const {
-        return tools::read(text(), role, tools::Strictness::LENIENT);
+        return tools::read(text, role, tools::Strictness::LENIENT);
     }
-    tools::Result<tools::Moved> moved() const { return tools::move(text(), move); }
-    tools::Result<tools::Answered> answered() const { return tools::answer(text(), policy); }
+    Lines shown(const std::vector<Message>& messages) const {
+        Lines lines;
+        for (const Message& message : messages) {
+            const std::size_t line = message.line == 0 ? 0 : message.line + lines_before;
+            lines.push_back(std::to_string(line) + ": " + message.text);
+        }
+        return lines;
+    }
 };
-
-Lines shown(const std::vector<Message>& messages) {
-    Lines lines;
-    for (const Message& message : messages) {
-        lines.push_back(std::to_string(message.line) + ": " + message.text);
-    }
-    return lines;
-}
-
-template <class T>
-Lines refusal(const tools::Result<T>& result) {
-    return result.refusal ? shown({*result.refusal}) : Lines{"no"};
-}
-
-// What a function makes of a value, or the refusal.
-template <class T, class Call>
-Lines unless_refused(const tools::Result<T>& result, Call call) {
-    return result.refusal ? Lines{"refused: " + shown({*result.refusal})[0]} : call(result.value);
-}
 
 tools::Plan plan_of(std::istream& words) {
     tools::Plan plan;
@@ -93,326 +89,289 @@ tools::Plan plan_of(std::istream& words) {
     return plan;
 }
 
-void add_options(Run& run, const Lines& lines) {
-    for (const std::string& line : lines) {
-        std::istringstream words(line);
-        std::string option;
-        words >> option;
-        if (option == "answer") {
-            run.role = run.move.role = tools::Role::ANSWER;
-        } else if (option == "move") {
-            run.move.plan = plan_of(words);
-            const std::set<std::string> rest(std::istream_iterator<std::string>(words), {});
-            run.move.back = rest.count("back") != 0;
-            run.move.merge = rest.count("merge") != 0;
-            run.move.strictness =
-                rest.count("strict") != 0 ? tools::Strictness::STRICT : tools::Strictness::LENIENT;
-        } else if (option == "local") {
-            words >> run.policy.local;
-        } else if (option == "public") {
-            run.policy.public_plan = plan_of(words);
-        } else if (option == "codecs") {
-            run.policy.codecs.assign(std::istream_iterator<std::string>(words), {});
-        } else if (option == "suites") {
-            run.policy.suites.assign(std::istream_iterator<std::string>(words), {});
-        } else if (option == "no-fax") {
-            run.policy.fax = false;
-        } else {
-            throw std::invalid_argument("unknown option: " + line);
-        }
+void add_option(Run& run, const std::string& line) {
+    std::istringstream words(line);
+    std::string option;
+    words >> option;
+    using Words = std::istream_iterator<std::string>;
+    if (option == "answer") {
+        run.role = run.move.role = tools::Role::ANSWER;
+    } else if (option == "move") {
+        run.move.plan = plan_of(words);
+        const std::set<std::string> rest(Words(words), {});
+        run.move.back = rest.count("back") != 0;
+        run.move.merge = rest.count("merge") != 0;
+        run.move.strictness =
+            rest.count("strict") != 0 ? tools::Strictness::STRICT : tools::Strictness::LENIENT;
+    } else if (option == "local") {
+        words >> run.policy.local;
+    } else if (option == "public") {
+        run.policy.public_plan = plan_of(words);
+    } else if (option == "codecs") {
+        run.policy.codecs.assign(Words(words), {});
+    } else if (option == "suites") {
+        run.policy.suites.assign(Words(words), {});
+    } else if (option == "no-fax") {
+        run.policy.fax = false;
+    } else {
+        throw std::invalid_argument("unknown option '" + line + "'");
     }
 }
 
-Lines found(const Run& run) {
-    return unless_refused(tools::find(run.input), [](const tools::Found& found) {
-        return Lines{"after line " + std::to_string(found.lines_before) +
-                     (found.is_part ? " of a message" : "")};
-    });
+Lines crypto(const Run& run) {
+    Lines lines;
+    for (const std::string& crypto : run.reading().value.cryptos) {
+        lines.push_back(tools::escaped(crypto + "\r\n")[0]);
+    }
+    return lines;
+}
+
+Lines moved(const Run& run) {
+    const tools::Result<tools::Moved> moved = tools::move(run.text, run.move);
+    if (moved.refusal) {
+        return {"refused: " + run.shown({*moved.refusal})[0]};
+    }
+    Lines lines = tools::changes(run.text, moved.value.text, run.move.plan.address);
+    if (moved.value.old_address.empty()) {
+        lines.emplace_back("no way back");
+    }
+    return lines;
 }
 
 Lines answer(const Run& run) {
-    return unless_refused(run.answered(), [&run](const tools::Answered& answered) {
-        const std::string address =
-            run.policy.public_plan ? run.policy.public_plan->address : run.policy.local;
-        std::string text = tools::without_head(answered.text, address);
-        std::map<std::size_t, int> counts;
-        for (const std::string& key : answered.keys) {
-            const std::string name =
-                "\x1f"
-                "FRESH" +
-                std::to_string(key.size());
-            const int count = ++counts[key.size()];
-            const std::string written = tools::base64(key);
-            const std::size_t at = text.find(written);
-            if (at != std::string::npos) {
-                text.replace(at, written.size(),
-                             name + (count == 1 ? "" : "." + std::to_string(count)));
-            }
-        }
-        Lines lines = tools::escaped(text);
+    const tools::Result<tools::Answered> answered = tools::answer(run.text, run.policy);
+    if (answered.refusal) {
+        return {"refused: " + run.shown({*answered.refusal})[0]};
+    }
+    const std::string address =
+        run.policy.public_plan ? run.policy.public_plan->address : run.policy.local;
+    Lines lines = tools::escaped(tools::without_head(answered.value.text, address));
+    std::map<std::size_t, int> counts;
+    for (const std::string& key : answered.value.keys) {
+        const std::string written = tools::base64(key);
+        const int count = ++counts[key.size()];
         for (std::string& line : lines) {
-            const std::size_t at = line.find("$x1fFRESH");
+            const std::size_t at = line.find(written);
             if (at != std::string::npos) {
-                line.erase(at + 1, 3);
+                line.replace(at, written.size(),
+                             "$FRESH" + std::to_string(key.size()) +
+                                 (count == 1 ? "" : "." + std::to_string(count)));
             }
         }
-        return lines;
-    });
+    }
+    return lines;
 }
 
-const std::map<std::string, std::function<Lines(const Run&)>> sections = {
-    {"found", found},
-    {"refused",
-     [](const Run& run) {
-         const auto found = tools::find(run.input);
-         return found.refusal ? refusal(found) : refusal(run.reading());
-     }},
-    {"warnings", [](const Run& run) { return shown(run.reading().value.warnings); }},
-    {"log",
-     [](const Run& run) {
-         return unless_refused(run.reading(), [](const tools::Read& reading) {
-             return tools::plain_lines(reading.log);
-         });
-     }},
-    {"crypto",
-     [](const Run& run) {
-         Lines lines;
-         for (const std::string& crypto : run.reading().value.cryptos) {
-             lines.push_back(tools::escaped(crypto + "\r\n")[0]);
-         }
-         return lines;
-     }},
-    {"changed",
-     [](const Run& run) {
-         return Lines{tools::is_changed(run.previous, run.text()) ? "yes" : "no"};
-     }},
-    {"moved",
-     [](const Run& run) {
-         return unless_refused(run.moved(), [&run](const tools::Moved& moved) {
-             return tools::escaped(tools::without_head(moved.text, run.move.plan.address));
-         });
-     }},
-    {"move-refused", [](const Run& run) { return refusal(run.moved()); }},
-    {"move-warnings", [](const Run& run) { return shown(run.moved().value.warnings); }},
-    {"way-back", [](const Run& run) { return Lines{run.moved().value.old_address}; }},
-    {"answer", answer},
-    {"rejected", [](const Run& run) { return shown(run.answered().value.rejections); }},
-    {"answer-log", [](const Run& run) { return tools::plain_lines(run.answered().value.log); }},
-};
-
-Lines lines_with(const Lines& lines, const std::string& word) {
-    Lines found;
-    std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
-                 [&](const std::string& line) { return line.find(word) != std::string::npos; });
-    return found;
+Lines section(const std::string& name, const Run& run) {
+    using Call = Lines (*)(const Run&);
+    static const std::map<std::string, Call> calls = {
+        {"refused",
+         [](const Run& of) { return of.refusal ? of.shown({*of.refusal}) : Lines{"no"}; }},
+        {"warnings", [](const Run& of) { return of.shown(of.reading().value.warnings); }},
+        {"log", [](const Run& of) { return tools::plain_lines(of.reading().value.log); }},
+        {"crypto", crypto},
+        {"changed",
+         [](const Run& of) {
+             return Lines{tools::is_changed(of.previous, of.text) ? "yes" : "no"};
+         }},
+        {"moved", moved},
+        {"move-warnings",
+         [](const Run& of) { return of.shown(tools::move(of.text, of.move).value.warnings); }},
+        {"answer", answer},
+        {"rejected",
+         [](const Run& of) {
+             return of.shown(tools::answer(of.text, of.policy).value.rejections);
+         }},
+    };
+    const auto call = calls.find(name);
+    if (call == calls.end()) {
+        throw std::invalid_argument("unknown section '" + name + "'");
+    }
+    return call->second(run);
 }
 
-// --- Cases ---------------------------------------------------------------------------------------
+std::string broken_property(const Run& run) {
+    tools::Counts counts;
+    try {
+        tools::check_properties(run.text, counts);
+        tools::check_move(run.text, run.move, counts);
+        tools::check_answer(run.text, run.policy, counts);
+        return "";
+    } catch (const tools::Broken& broken) {
+        return broken.what() + std::string("\n");
+    }
+}
 
-// Runs descriptions and counts.
-class Runner {
-public:
-    explicit Runner(bool updates) : is_update(updates) {}
+std::string diff(const std::string& title, const Lines& expected, const Lines& found) {
+    std::string text = "-- " + title + "\n";
+    for (const std::string& line : tools::difference(expected, found)) {
+        text += "  " + line + "\n";
+    }
+    return expected == found ? "" : text;
+}
 
-    void run_file(const fs::path& path) {
-        if (fs::is_directory(path)) {
-            std::set<fs::path> files;
-            for (const auto& entry : fs::directory_iterator(path)) {
-                if (entry.path().extension() == ".sdp") {
-                    files.insert(entry.path());
-                }
+// --- Files ---------------------------------------------------------------------------------------
+
+bool is_update = false;
+unsigned passed = 0;
+unsigned failed = 0;
+
+void count(const std::string& place, const std::string& problem) {
+    ++(problem.empty() ? passed : failed);
+    std::cout << (problem.empty() ? "" : place + "\n" + problem + "\n");
+}
+
+std::vector<Run> runs_of(tools::Case& one) {
+    const auto lines_of = [&one](const char* section) {
+        return one.section(section) == nullptr ? Lines{} : one.section(section)->lines;
+    };
+    std::vector<Run> runs;
+    for (const Lines& input : tools::alternatives(one.input)) {
+        for (const Lines& options : tools::alternatives(lines_of("with"))) {
+            Run run(tools::with_head(tools::unescaped(input)));
+            run.previous = tools::with_head(tools::unescaped(lines_of("previous")));
+            for (const std::string& option : options) {
+                add_option(run, option);
             }
-            std::for_each(files.begin(), files.end(), [this](const auto& file) { run_file(file); });
-        } else if (path.extension() == ".sdp") {
-            run_sample(path);
-        } else {
-            run_cases(path);
+            runs.push_back(std::move(run));
         }
     }
+    return runs;
+}
 
-    // Returns whether there was something to run, and nothing failed.
-    bool report() const {
-        std::cout << passed << " passed, " << failed << " failed" << std::endl;
-        return passed != 0 && failed == 0;
+// What is expected of each alternative. Those that stand behind them are taken if nothing else is.
+std::vector<Lines> expected_of(const tools::Section& section, const Lines* behind,
+                               std::size_t count) {
+    std::vector<Lines> expected = tools::alternatives(section.lines);
+    if (section.lines.empty() && behind != nullptr && count > 1) {
+        expected = tools::answers(*behind);
     }
-
-private:
-    void run_cases(const fs::path& path) {
-        const std::string before = read_file(path);
-        tools::CaseFile file = tools::parse(before);
-        for (Case& one : file.cases) {
-            place = path.string() + ":" + std::to_string(one.line) + ": " + one.name;
-            run_case(one);
-        }
-        const std::string after = text_of(file);
-        if (is_update && after != before) {
-            write_file(path, after);
-        }
+    if (expected.size() == 1) {
+        expected.resize(count, expected.front());
     }
+    if (expected.size() != count) {
+        throw std::invalid_argument("-- " + section.name + ": wrong number of alternatives");
+    }
+    return expected;
+}
 
-    void run_case(Case& one) {
-        std::vector<Run> runs = runs_of(one);
-        if (one.sections.empty() && is_update) {
-            const auto reading = runs.front().reading();
-            one.sections = {{reading.refusal ? "refused" : "log", "", {}}};
-            if (!reading.refusal && !reading.value.warnings.empty()) {
-                one.sections.push_back({"warnings", "", {}});
-            }
-        }
-        problems.assign(runs.size(), "");
-        for (std::size_t i = 0; i < runs.size(); ++i) {
-            problems[i] += broken_property(runs[i]);
-        }
-        bool is_compared = false;
-        for (tools::Section& section : one.sections) {
-            if (section.name != "with" && section.name != "previous") {
-                is_compared = true;
-                compare(section, runs);
-            }
-        }
-        for (std::size_t i = 0; i < runs.size(); ++i) {
-            count(is_compared ? problems[i] : "  nothing is compared (--update writes it down)\n",
-                  runs[i].input);
+void write_down(tools::Section& section, Lines* behind, const std::vector<Lines>& found) {
+    const bool are_equal = std::equal(found.begin() + 1, found.end(), found.begin());
+    const std::vector<Lines> nothing(found.size());
+    section.lines = are_equal ? found.front() : behind != nullptr ? Lines{} : tools::joined(found);
+    if (behind != nullptr && found.size() > 1) {
+        *behind = tools::with_answers(*behind, are_equal ? nothing : found);
+    }
+}
+
+void run_case(const std::string& place, tools::Case& one) {
+    const std::vector<Run> runs = runs_of(one);
+    if (one.sections.empty() && is_update) {
+        one.sections = {{runs.front().refusal ? "refused" : "log", "", {}}};
+        if (!runs.front().reading().value.warnings.empty()) {
+            one.sections.push_back({"warnings", "", {}});
         }
     }
-
-    static std::vector<Run> runs_of(const Case& one) {
-        std::vector<Run> runs;
-        const tools::Section* const with = one.section("with");
-        const tools::Section* const previous = one.section("previous");
-        for (const Lines& input : tools::alternatives(one.input)) {
-            for (const Lines& options :
-                 tools::alternatives(with == nullptr ? Lines{} : with->lines)) {
-                Run run;
-                run.input = tools::with_head(tools::unescaped(input), "10.0.0.1");
-                if (previous != nullptr) {
-                    run.previous = tools::with_head(tools::unescaped(previous->lines), "10.0.0.1");
-                }
-                add_options(run, options);
-                runs.push_back(std::move(run));
-            }
-        }
-        return runs;
-    }
-
-    static std::string broken_property(const Run& run) {
-        tools::Counts counts;
-        try {
-            const std::string text = run.text();
-            tools::check_properties(text, counts);
-            tools::check_move(text, run.move, counts);
-            tools::check_answer(text, run.policy, counts);
-            return "";
-        } catch (const tools::Broken& broken) {
-            return std::string("  ") + broken.what() + "\n";
-        }
-    }
-
-    void compare(tools::Section& section, const std::vector<Run>& runs) {
-        const auto make = sections.find(section.name);
-        if (make == sections.end()) {
-            throw std::invalid_argument(place + ": unknown section '" + section.name + "'");
+    std::vector<std::string> problems;
+    std::transform(runs.begin(), runs.end(), std::back_inserter(problems), broken_property);
+    // Where the alternatives stand, until a section is compared with what stands behind them.
+    tools::Section* const with = one.section("with");
+    Lines* behind =
+        tools::answers(one.input).empty() && with != nullptr ? &with->lines : &one.input;
+    for (tools::Section& part : one.sections) {
+        if (part.name == "with" || part.name == "previous") {
+            continue;
         }
         std::vector<Lines> found;
         for (const Run& run : runs) {
-            found.push_back(lines_with(make->second(run), section.word));
+            found.push_back(tools::matching(section(part.name, run), part.pattern));
         }
         if (is_update) {
-            section.lines = tools::joined(found);
-            return;
+            write_down(part, behind, found);
         }
-        std::vector<Lines> expected = tools::alternatives(section.lines);
-        if (expected.size() == 1) {
-            expected.resize(runs.size(), expected.front());
-        }
-        if (expected.size() != runs.size()) {
-            throw std::invalid_argument(place + ": '" + section.name + "' has " +
-                                        std::to_string(expected.size()) + " alternatives for " +
-                                        std::to_string(runs.size()));
-        }
+        const std::vector<Lines> expected = expected_of(part, behind, runs.size());
         for (std::size_t i = 0; i < runs.size(); ++i) {
-            if (found[i] != expected[i]) {
-                problems[i] += "-- " + section.name + " " + section.word + "\n" +
-                               tools::difference(expected[i], found[i]);
+            problems[i] += diff(part.name + " " + part.pattern, expected[i], found[i]);
+        }
+        behind = nullptr;
+    }
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        count(place + (runs.size() == 1 ? "" : " (alternative " + std::to_string(i + 1) + ")"),
+              behind == nullptr ? problems[i] : "nothing is compared (--update writes it down)\n");
+    }
+}
+
+void run_cases(const fs::path& path) {
+    const std::string before = read_file(path);
+    tools::CaseFile file = tools::parse(before);
+    for (tools::Case& one : file.cases) {
+        const std::string place = path.string() + ":" + std::to_string(one.line) + ": " + one.name;
+        try {
+            run_case(place, one);
+        } catch (const std::exception& error) {
+            count(place, error.what() + std::string("\n"));
+        }
+    }
+    const std::string after = tools::text_of(file);
+    if (is_update && after != before) {
+        write_file(path, after);
+    }
+}
+
+void run_sample(const fs::path& path) {
+    Run run(read_file(path));
+    if (path.stem().string().find("answer") != std::string::npos) {
+        add_option(run, "answer");
+    }
+    const auto reading = run.reading();
+    const auto moved = tools::move(run.text, run.move);
+    std::map<std::string, std::string> texts = {
+        {".log", reading.value.log},
+        {".warnings", ""},
+        {".refused", moved.refusal ? run.shown({*moved.refusal})[0] + "\n" : ""}};
+    for (const Message& warning : reading.value.warnings) {
+        texts[".warnings"] += std::to_string(warning.line) + ": warning: " + warning.text + "\n";
+    }
+    std::string problem = broken_property(run);
+    for (const auto& [extension, text] : texts) {
+        fs::path file = path;
+        file.replace_extension(extension);
+        if (is_update) {
+            text.empty() ? void(fs::remove(file)) : write_file(file, text);
+        }
+        const std::string expected = fs::exists(file) ? read_file(file) : "";
+        problem += diff(file.string(), tools::plain_lines(expected), tools::plain_lines(text));
+        problem += problem.empty() && expected != text ? "blanks differ\n" : "";
+    }
+    count(path.string(), problem);
+}
+
+void run_path(const fs::path& path) {
+    if (fs::is_directory(path)) {
+        const std::set<fs::path> entries(fs::directory_iterator(path), {});
+        for (const fs::path& entry : entries) {
+            if (entry.extension() == ".sdp") {
+                run_sample(entry);
             }
         }
+    } else {
+        path.extension() == ".sdp" ? run_sample(path) : run_cases(path);
     }
-
-    void count(const std::string& problem, const std::string& input) {
-        if (problem.empty()) {
-            ++passed;
-            return;
-        }
-        ++failed;
-        std::cout << place << "\n";
-        for (const std::string& line : tools::escaped(input)) {
-            std::cout << "    " << line << "\n";
-        }
-        std::cout << problem << "\n";
-    }
-
-    // --- Samples ---------------------------------------------------------------------------------
-
-    void run_sample(const fs::path& path) {
-        place = path.string();
-        Run run;
-        run.input = read_file(path);
-        if (path.stem().string().find("answer") != std::string::npos) {
-            run.role = run.move.role = tools::Role::ANSWER;
-        }
-        const auto reading = run.reading();
-        const auto moved = run.moved();
-        std::string warnings;
-        for (const Message& warning : reading.value.warnings) {
-            warnings += std::to_string(warning.line) + ": warning: " + warning.text + "\n";
-        }
-        problems.assign(1, broken_property(run));
-        compare_file(path, ".log", reading.value.log);
-        compare_file(path, ".warnings", warnings);
-        compare_file(path, ".refused", moved.refusal ? refusal(moved).front() + "\n" : "");
-        count(problems.front(), "");
-    }
-
-    // An empty text has no file.
-    void compare_file(fs::path path, const std::string& extension, const std::string& text) {
-        path.replace_extension(extension);
-        const std::string expected = fs::exists(path) ? read_file(path) : "";
-        if (expected == text) {
-            return;
-        }
-        if (!is_update) {
-            problems.front() +=
-                path.string() + "\n" +
-                tools::difference(tools::plain_lines(expected), tools::plain_lines(text));
-        } else if (text.empty()) {
-            fs::remove(path);
-        } else {
-            write_file(path, text);
-        }
-    }
-
-    bool is_update;
-    std::string place;
-    std::vector<std::string> problems;  // of each description of a case
-    unsigned passed = 0;
-    unsigned failed = 0;
-};
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
-    const bool is_update = !arguments.empty() && arguments.front() == "--update";
+    is_update = !arguments.empty() && arguments.front() == "--update";
     arguments.erase(arguments.begin(), arguments.begin() + (is_update ? 1 : 0));
-    Runner runner(is_update);
-    try {
-        for (const std::string& file : arguments) {
-            runner.run_file(file);
+    for (const std::string& path : arguments) {
+        try {
+            run_path(path);
+        } catch (const std::exception& error) {
+            count(path, error.what() + std::string("\n"));
         }
-    } catch (const std::exception& error) {
-        std::cout << error.what() << "\n";
-        runner.report();
-        return 1;
     }
-    return runner.report() ? 0 : 1;
+    std::cout << passed << " passed, " << failed << " failed" << std::endl;
+    return passed != 0 && failed == 0 ? 0 : 1;
 }

@@ -251,7 +251,7 @@ Lines plain_lines(const std::string& text) {
     for (std::string& line : lines) {
         line = std::regex_replace(line, blanks, " ");
         line.erase(0, line.find_first_not_of(' '));
-        line.resize(line.find_last_not_of('\r') + 1);
+        line.resize(line.find_last_not_of(" \r") + 1);
     }
     trim(lines);
     return lines;

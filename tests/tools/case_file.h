@@ -35,6 +35,7 @@
 //     refused        why it cannot be read, or "no"
 //     warnings       about it
 //     log            of it, with runs of blanks as one
+//     passed         what of it is passed through
 //     crypto         its keys, as LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE
 //     changed        whether anything is negotiated otherwise than in "previous"
 //     moved          the lines that a move changes, those that it adds (+) or takes away (-)

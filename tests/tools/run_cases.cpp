@@ -118,6 +118,12 @@ void add_option(Run& run, const std::string& line) {
     }
 }
 
+Lines passed_through(const Run& run) {
+    const std::string log = run.reading().value.log;
+    const std::size_t at = log.find("Pass-through=");
+    return tools::escaped(log.substr(std::min(log.find('\n', at), log.size() - 1) + 1));
+}
+
 Lines crypto(const Run& run) {
     Lines lines;
     for (const std::string& crypto : run.reading().value.cryptos) {
@@ -169,6 +175,7 @@ Lines section(const std::string& name, const Run& run) {
          [](const Run& of) { return of.refusal ? of.shown({*of.refusal}) : Lines{"no"}; }},
         {"warnings", [](const Run& of) { return of.shown(of.reading().value.warnings); }},
         {"log", [](const Run& of) { return tools::plain_lines(of.reading().value.log); }},
+        {"passed", passed_through},
         {"crypto", crypto},
         {"changed",
          [](const Run& of) {

@@ -115,14 +115,25 @@ std::vector<Lines> alternatives(const Lines& block) {
     const auto last = std::find_if_not(first, block.end(), is_alternative);
     std::vector<Lines> all;
     for (auto line = first; line != last; ++line) {
-        const Lines lines = split(line->substr(0, line->find(arrow)).substr(1), separator);
         all.emplace_back(block.begin(), first);
-        for (const std::string& one : lines) {
-            all.back().push_back(&one == &lines.front() ? one.substr(1) : one);
+        const std::string text = line->substr(0, line->find(arrow));
+        if (text != "|") {
+            all.back().push_back(text.substr(2));
         }
         all.back().insert(all.back().end(), last, block.end());
     }
-    return all.empty() ? std::vector<Lines>{block} : all;
+    if (all.empty()) {
+        all = {block};
+    }
+    for (Lines& one : all) {
+        Lines lines;
+        for (const std::string& line : one) {
+            const Lines pieces = line.empty() ? Lines{line} : split(line, separator);
+            lines.insert(lines.end(), pieces.begin(), pieces.end());
+        }
+        one = std::move(lines);
+    }
+    return all;
 }
 
 std::vector<Lines> answers(const Lines& block) {

@@ -18,8 +18,8 @@
 // one that ends in $END does not end. $x20 is the byte 20 (hexadecimal). $KEY30 is a key of 30
 // bytes as base64. $SECRET is a word that no tool may show.
 //
-// Lines that begin with "|" are alternatives: the case stands for one description for each. " $/ "
-// separates several lines. Either the input or the section "with" may have alternatives.
+// " $/ " separates lines, too. Lines that begin with "|" are alternatives: the case stands for one
+// description for each. Either the input or the section "with" may have alternatives.
 //
 // Sections. One that is not written is not compared; `-- log vad=.` is only what matches this
 // regular expression. What is expected is the same for all alternatives; or it stands behind " => "

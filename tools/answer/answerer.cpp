@@ -7,166 +7,160 @@
 #include <map>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "qova/attributes.h"
 #include "qova/crypto.h"
 #include "qova/media.h"
+#include "qova/ownership.h"
+#include "sdp/audio.h"
 #include "sdp/crypto.h"
-#include "sdp/media.h"
+#include "sdp/strings.h"
+#include "sdp/writer.h"
 
 namespace sdp {
 
 namespace {
+
+// Why a line is rejected; null if it is accepted.
+using Reason = const char*;
+
+// What is accepted of a line.
+struct Accepted {
+    std::unique_ptr<QOVA_Media> media;
+    std::vector<unsigned> payloads;
+};
 
 template <class T>
 bool contains(const std::vector<T>& list, T value) {
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-// Puts a new object in the place of one that a media owns.
-template <class T>
-void reset(T*& owned) {
-    auto fresh = std::make_unique<T>();
-    delete owned;
-    owned = fresh.release();
-}
-
-// Leaves the payloads of the policy's codecs. Returns their types, and those of their tone events.
-std::vector<unsigned> choose_codecs(const ReadLine& line, const Policy& policy, QOVA_Media& media) {
-    std::vector<unsigned> accepted;
+// Keeps the payloads of the policy's codecs, and their tone events.
+Reason choose_codecs(const ReadLine& line, const Policy& policy, Accepted& accepted) {
+    QOVA_Media& media = *accepted.media;
     std::vector<unsigned> tones;
-    auto payload = line.payloads.begin();
-    for (auto it = media.attributes.begin(); it != media.attributes.end(); ++payload) {
-        auto& audio = static_cast<QOVA_AudioAttribute&>(**it);
-        if (contains(policy.codecs, audio.codec)) {
-            accepted.push_back(*payload);
-            if (audio.mf != CODEC_NIL) {
-                tones.push_back(static_cast<unsigned>(audio.mf));
-            }
-            ++it;
-        } else {
-            delete &audio;
-            it = media.attributes.erase(it);
+    auto attribute = media.attributes.begin();
+    for (const Payload& payload : line.payloads) {
+        if (is_tone_event(payload)) {
+            continue;  // it has no attribute
         }
+        const auto& audio = static_cast<const QOVA_AudioAttribute&>(**attribute);
+        if (!contains(policy.codecs, audio.codec)) {
+            attribute = qova::erase(media.attributes, attribute);
+            continue;
+        }
+        accepted.payloads.push_back(payload.type);
+        if (audio.mf != CODEC_NIL) {
+            tones.push_back(static_cast<unsigned>(audio.mf));
+        }
+        ++attribute;
     }
-    if (accepted.empty()) {
-        throw Refusal(line.number, "no codec in common");
+    if (accepted.payloads.empty()) {
+        return "no codec in common";
     }
     // The parameters of a codec go with it.
     if (media.find(CODEC_G722_2) == nullptr) {
-        reset(media.amrwbParam);
+        qova::replace(media.amrwbParam, std::make_unique<Sdp::Sdp_Amrwb_Param>());
     }
     if (media.find(CODEC_OPUS) == nullptr) {
-        reset(media.opusParam);
+        qova::replace(media.opusParam, std::make_unique<Sdp::Sdp_Opus_Param>());
     }
-    accepted.insert(accepted.end(), tones.begin(), tones.end());
-    return accepted;
+    accepted.payloads.insert(accepted.payloads.end(), tones.begin(), tones.end());
+    return nullptr;
 }
 
-std::unique_ptr<QOVA_Crypto> choose_crypto(const ReadLine& line, const Policy& policy) {
+// Answers the first a=crypto line with a suite of the policy.
+Reason choose_crypto(const ReadLine& line, const Policy& policy, QOVA_Media& media) {
     for (const QOVA_Crypto* const offered : line.cryptos) {
         if (contains(policy.suites, offered->algo)) {
-            auto crypto = std::make_unique<QOVA_Crypto>();
-            crypto->tag = offered->tag;
-            crypto->algo = offered->algo;
+            auto& crypto = qova::append<QOVA_Crypto>(media.cryptos);
+            media.cryptoCount = 1;
+            crypto.tag = offered->tag;
+            crypto.algo = offered->algo;
             QOVA_CryptoKey key = {};
-            policy.random(key.key, key_size(crypto->algo));
-            crypto->keys.push_back(key);
-            return crypto;
+            policy.random(key.key, key_size(crypto.algo));
+            crypto.keys.push_back(key);
+            return nullptr;
         }
     }
-    throw Refusal(line.number, "no crypto suite in common");
+    return "no crypto suite in common";
 }
 
-void clear_cryptos(QOVA_Media& media) {
-    for (const QOVA_Crypto* const crypto : media.cryptos) {
-        delete crypto;
-    }
-    media.cryptos.clear();
-    media.cryptoCount = 0;
-}
-
-void accept_audio(const ReadLine& line, const Policy& policy, QOVA_Media& media,
-                  std::vector<unsigned>& payloads) {
+Reason accept_audio(const ReadLine& line, const Policy& policy, Accepted& accepted) {
     const auto is = [&line](const char* transport) { return same(line.transport, transport); };
     const bool is_secure = is("RTP/SAVP") || is("RTP/SAVPF");
     if (!is_secure && !is("RTP/AVP") && !is("RTP/AVPF")) {
-        throw Refusal(line.number, "its transport is not served");
+        return "unsupported transport";
     }
-    payloads = choose_codecs(line, policy, media);
-    clear_cryptos(media);  // a plain line may have offered some, too
-    if (is_secure) {
-        append(media.cryptos, choose_crypto(line, policy));
-        media.cryptoCount = 1;
+    if (const Reason reason = choose_codecs(line, policy, accepted)) {
+        return reason;
     }
+    return is_secure ? choose_crypto(line, policy, *accepted.media) : nullptr;
 }
 
-void accept_fax(const ReadLine& line, const Policy& policy, QOVA_Media& media) {
-    if (!policy.fax) {
-        throw Refusal(line.number, "no fax is wanted");
-    }
-    if (!same(line.transport, "udptl")) {
-        throw Refusal(line.number, "its transport is not served");
-    }
-    clear_cryptos(media);
+Reason accept_fax(const ReadLine& line, const Policy& policy) {
+    return !policy.fax                      ? "fax is disabled"
+           : !same(line.transport, "udptl") ? "unsupported transport"
+                                            : nullptr;
 }
 
-void set_ports(QOVA_Media& media, unsigned short port) {
-    media.sndPort = media.rcvPort = port;
-    media.sndPort2 = media.rcvPort2 = static_cast<unsigned short>(port + 1);
+void clear_cryptos(QOVA_Media& media) {
+    while (!media.cryptos.empty()) {
+        qova::erase(media.cryptos, media.cryptos.begin());
+    }
+    media.cryptoCount = 0;
 }
 
-// The line's number among those of its kind gives its ports, so that they stay in a re-INVITE.
-unsigned short port_of(const ReadLine& line, std::size_t earlier) {
-    const std::size_t base = line.media->mediaType == QOVA_Media::MT_FAX
+// Gives a media the ports of its number among those of its type, so that they are the same in a
+// re-INVITE.
+Reason set_ports(QOVA_Media& media, std::size_t number) {
+    const std::size_t base = media.mediaType == QOVA_Media::MT_FAX
                                  ? QOVA_Capability::FAX_PORT_BASE
                                  : QOVA_Capability::AUDIO_PORT_BASE;
-    if (base + 2 * earlier > 65534) {
-        throw Refusal(line.number, "no port is left for it");
+    const std::size_t port = base + 2 * number;
+    if (port > 65534) {
+        return "no port left";
     }
-    return static_cast<unsigned short>(base + 2 * earlier);
+    media.sndPort = media.rcvPort = static_cast<unsigned short>(port);
+    media.sndPort2 = media.rcvPort2 = static_cast<unsigned short>(port + 1);
+    return nullptr;
 }
 
-// Throws Refusal, which says why the line is rejected.
-std::unique_ptr<QOVA_Media> accepted(const ReadLine& line, const Policy& policy,
-                                     std::size_t earlier, std::vector<unsigned>& payloads) {
+Reason accept(const ReadLine& line, const Policy& policy, std::size_t number, Accepted& accepted) {
     if (line.media == nullptr) {
-        throw Refusal(line.number, "its kind is not served");
+        return "unsupported media type";
     }
     const QOVA_Media& offered = *line.media;
-    const bool is_known = offered.address->IsAny() == 0;
-    if (is_known &&
-        (offered.address->IsMulticast() || offered.address->Family() != policy.address.Family())) {
-        throw Refusal(line.number, "its address cannot be reached");
+    const IPAddress& own = policy.address.ip();
+    if (offered.address->IsAny() == 0 &&
+        (offered.address->IsMulticast() || offered.address->Family() != own.Family())) {
+        return "unreachable address";
     }
-    auto media = std::make_unique<QOVA_Media>(offered);
-    if (media->mediaType == QOVA_Media::MT_AUDIO) {
-        accept_audio(line, policy, *media, payloads);
-    } else if (media->mediaType == QOVA_Media::MT_FAX) {
-        accept_fax(line, policy, *media);
-    } else {
-        throw Refusal(line.number, "its kind is not served");
+    accepted.media = std::make_unique<QOVA_Media>(offered);
+    QOVA_Media& media = *accepted.media;
+    clear_cryptos(media);  // the answer has its own
+    const Reason reason = media.mediaType == QOVA_Media::MT_AUDIO
+                              ? accept_audio(line, policy, accepted)
+                          : media.mediaType == QOVA_Media::MT_FAX ? accept_fax(line, policy)
+                                                                  : "unsupported media type";
+    if (reason != nullptr) {
+        return reason;
     }
-    set_ports(*media, port_of(line, earlier));
-    set_address(*media, policy.address);
-    media->brcv = offered.bsnd;
-    media->bsnd = !line.holds;
-    return media;
+    qova::replace(media.address, std::unique_ptr<INetAddress>(own.Copy()));
+    media.brcv = offered.bsnd;
+    media.bsnd = !line.holds;
+    return set_ports(media, number);
 }
 
-std::unique_ptr<QOVA_Media> rejected(QOVA_Media::e_MediaType kind) {
+std::unique_ptr<QOVA_Media> rejected(QOVA_Media::e_MediaType type) {
     auto media = std::make_unique<QOVA_Media>();
-    media->mediaType = kind;
+    media->mediaType = type;
     media->mediaStatus = QOVA_Media::MS_REJECTED;
     return media;
 }
 
-std::string rejected_text(const ReadLine& line) {
-    return "m=" + line.kind + " 0 " + line.transport + " " +
-           (line.formats.empty() ? "0" : line.formats.front()) + "\r\n";
-}
-
-// What the answer itself says: whether it has audio lines, and all of them receive nothing.
+// Returns true if the answer has audio lines and receives nothing on any of them.
 bool is_held(const QOVA_Capability& answer) {
     bool has_audio = false;
     for (const QOVA_Media* const media :
@@ -183,38 +177,43 @@ bool is_held(const QOVA_Capability& answer) {
 
 void random_bytes(unsigned char* to, std::size_t size) {
     if (::getentropy(to, size) != 0) {
-        throw std::system_error(errno, std::generic_category(), "no random bytes");
+        throw std::system_error(errno, std::generic_category(), "cannot get random bytes");
     }
 }
 
 Answer answer(const Reading& offer, const Policy& policy) {
-    Answer answer;
-    answer.capability = std::make_unique<QOVA_Capability>();
-    QOVA_Capability& capability = *answer.capability;
+    Answer result;
+    result.capability = std::make_unique<QOVA_Capability>();
+    QOVA_Capability& capability = *result.capability;
     capability.silenceSuppSdp = offer.suppresses_silence;
     std::map<QOVA_Media::e_MediaType, std::size_t> lines_of;
     for (const ReadLine& line : offer.lines) {
-        std::vector<unsigned>& payloads = answer.payloads.emplace_back();
-        const auto kind = line.media == nullptr ? QOVA_Media::MT_NIL : line.media->mediaType;
-        const std::size_t earlier = lines_of[kind]++;
-        std::unique_ptr<QOVA_Media> media;
-        if (!line.is_rejected && tolerate(answer.rejections, [&] {
-                media = accepted(line, policy, earlier, payloads);
-            })) {
-            answer.accepts = true;
-            capability.silenceSuppSdp |= kind == QOVA_Media::MT_AUDIO && line.suppresses_silence;
+        const auto type = line.media == nullptr ? QOVA_Media::MT_NIL : line.media->mediaType;
+        const std::size_t number = lines_of[type]++;
+        Accepted accepted;
+        bool is_accepted = false;
+        if (!line.is_rejected) {
+            const Reason reason = accept(line, policy, number, accepted);
+            is_accepted = reason == nullptr;
+            if (!is_accepted) {
+                result.diagnostics.push_back({line.number, Severity::REJECTION, reason});
+            }
+        }
+        if (is_accepted) {
+            result.accepts = true;
+            capability.silenceSuppSdp |= type == QOVA_Media::MT_AUDIO && line.suppresses_silence;
         } else {
-            payloads.clear();
-            media = rejected(kind);
+            accepted = {rejected(type), {}};
         }
         if (line.media == nullptr) {
-            capability.passThrough += rejected_text(line);
+            capability.passThrough += rejected_line(line);
         } else {
-            append(capability.filteredMedia, std::move(media));
+            qova::append(capability.filteredMedia, std::move(accepted.media));
         }
+        result.payloads.push_back(std::move(accepted.payloads));
     }
     capability.hold = is_held(capability);
-    return answer;
+    return result;
 }
 
 }  // namespace sdp

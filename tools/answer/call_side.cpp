@@ -1,16 +1,20 @@
 #include "answer/call_side.h"
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
 #include "answer/changes.h"
 #include "qova/media.h"
+#include "sdp/strings.h"
+#include "sdp/writer.h"
 
 namespace sdp {
 
 namespace {
 
-// What an offer of our own may ask for: it is answered by the policy to become the offer.
+// The template of our own offer. The policy filters it as it filters a received offer.
 std::string everything(const IPAddress& address) {
     const std::string at = (address.Size() == 4 ? "IN IP4 " : "IN IP6 ") + address.ToString();
     return "v=0\r\no=- 0 0 " + at + "\r\ns=-\r\nc=" + at +
@@ -29,9 +33,7 @@ std::string everything(const IPAddress& address) {
 }
 
 std::string entry(const char* name, const QOVA_Capability& capability) {
-    std::string text = std::string(name).append(": ");
-    text += static_cast<const std::string&>(capability);
-    return text.back() == '\n' ? text : text + '\n';
+    return with_newline(name + (": " + static_cast<const std::string&>(capability)));
 }
 
 std::string change_entry(const char* since, bool changed) {
@@ -39,20 +41,19 @@ std::string change_entry(const char* since, bool changed) {
 }
 
 // The library moves ports modulo 65536.
-void check_ports(const QOVA_Capability& moved, const PublicPlan& plan) {
-    for (const QOVA_Media* const media : moved.filteredMedia) {
-        const unsigned short base =
-            media->mediaType == QOVA_Media::MT_FAX ? plan.fax_port : plan.audio_port;
-        if (media->mediaStatus != QOVA_Media::MS_REJECTED && media->rcvPort2 <= base) {
-            throw std::range_error("the public ports of the answer run beyond 65535");
+void check_ports(const QOVA_Capability& local, const Plan& plan) {
+    for (const QOVA_Media* const media : local.filteredMedia) {
+        if (media->mediaStatus != QOVA_Media::MS_REJECTED &&
+            !is_port(media->rcvPort2 + port_shift(plan, media->mediaType))) {
+            throw std::range_error("the public ports of the answer exceed 65535");
         }
     }
 }
 
 }  // namespace
 
-CallSide::CallSide(Policy policy_of, std::optional<PublicPlan> plan_of)
-    : policy(std::move(policy_of)), plan(std::move(plan_of)), origin{0, 1} {
+CallSide::CallSide(Policy given_policy, std::optional<Plan> given_plan)
+    : policy(std::move(given_policy)), plan(std::move(given_plan)), origin{0, 1} {
     unsigned char id[7];
     policy.random(id, sizeof id);
     for (const unsigned char byte : id) {
@@ -63,7 +64,7 @@ CallSide::CallSide(Policy policy_of, std::optional<PublicPlan> plan_of)
 void CallSide::resume(const std::string& sent) {
     const Description description(sent);
     Reading reading = read(description, Role::ANSWER, Strictness::LENIENT);
-    origin = origin_of(reading);
+    origin = reading.origin;
     last_sent = sent;
     last_sent_capability = std::move(reading.capability);
     last_offer.clear();
@@ -71,28 +72,30 @@ void CallSide::resume(const std::string& sent) {
 }
 
 CallSide::Draft CallSide::draft(const Description& description, const Reading& reading) const {
-    Draft draft = {sdp::answer(reading, policy), nullptr, "", origin};
-    draft.sent = std::make_unique<QOVA_Capability>(*draft.answer.capability);
+    Draft result = {sdp::answer(reading, policy), nullptr, "", origin};
+    result.sent = std::make_unique<QOVA_Capability>(*result.answer.capability);
     if (plan) {
-        draft.sent->setPublicAddrPort(UDPAddr(plan->address, 0), plan->audio_port, plan->fax_port);
-        check_ports(*draft.sent, *plan);
+        check_ports(*result.sent, *plan);
+        result.sent->setPublicAddrPort(UDPAddr(plan->address.ip(), 0), plan->audio_port,
+                                       plan->fax_port);
     }
+    const IPAddress& address = (plan ? plan->address : policy.address).ip();
     const auto text = [&] {
-        return write(description, reading, *draft.sent, draft.answer.payloads,
-                     plan ? plan->address : policy.address, draft.origin);
+        return write(description, reading, *result.sent, result.answer.payloads, address,
+                     result.origin);
     };
-    draft.text = text();
-    if (!last_sent.empty() && draft.text != last_sent) {
-        ++draft.origin.version;
-        draft.text = text();
+    result.text = text();
+    if (!last_sent.empty() && result.text != last_sent) {
+        ++result.origin.version;
+        result.text = text();
     }
-    return draft;
+    return result;
 }
 
-void CallSide::remember(Draft& draft) {
-    origin = draft.origin;
-    last_sent = draft.text;
-    last_sent_capability = std::move(draft.sent);
+void CallSide::remember(Draft& new_draft) {
+    origin = new_draft.origin;
+    last_sent = new_draft.text;
+    last_sent_capability = std::move(new_draft.sent);
 }
 
 Reply CallSide::answer(const std::string& offer, Strictness strictness) {
@@ -105,24 +108,26 @@ Reply CallSide::answer(const std::string& offer, Strictness strictness) {
     }
     const Description description(offer);
     Reading reading = read(description, Role::OFFER, strictness);
-    Draft draft = this->draft(description, reading);
-    reply.has_common = draft.answer.accepts || draft.answer.rejections.empty();
-    reply.text = draft.text;
-    reply.warnings = std::move(reading.warnings);
-    reply.rejections = std::move(draft.answer.rejections);
-    reply.log = entry("offer", *reading.capability) + entry("answer", *draft.answer.capability);
+    Draft new_answer = draft(description, reading);
+    Diagnostics& rejections = new_answer.answer.diagnostics;
+    reply.has_common = new_answer.answer.accepts || rejections.empty();
+    reply.text = new_answer.text;
+    reply.diagnostics = std::move(reading.diagnostics);
+    std::move(rejections.begin(), rejections.end(), std::back_inserter(reply.diagnostics));
+    reply.log =
+        entry("offer", *reading.capability) + entry("answer", *new_answer.answer.capability);
     if (plan) {
-        reply.log += entry("public", *draft.sent);
+        reply.log += entry("public", *new_answer.sent);
     }
     if (last_offered != nullptr) {
         reply.log += change_entry("offer", sdp::changed(*last_offered, *reading.capability));
     }
     if (last_sent_capability != nullptr) {
-        reply.changed = sdp::changed(*last_sent_capability, *draft.sent);
+        reply.changed = sdp::changed(*last_sent_capability, *new_answer.sent);
         reply.log += change_entry("answer", *reply.changed);
     }
     if (reply.has_common) {
-        remember(draft);
+        remember(new_answer);
         last_offer = offer;
         last_offered = std::move(reading.capability);
     }
@@ -132,12 +137,12 @@ Reply CallSide::answer(const std::string& offer, Strictness strictness) {
 Reply CallSide::offer() {
     Reply reply;
     if (last_sent.empty()) {
-        const std::string text = everything(policy.address);
+        const std::string text = everything(policy.address.ip());
         const Description description(text);
         const Reading reading = read(description, Role::OFFER, Strictness::STRICT);
-        Draft draft = this->draft(description, reading);
-        draft.sent->offer = true;
-        remember(draft);
+        Draft new_offer = draft(description, reading);
+        new_offer.sent->offer = true;
+        remember(new_offer);
     } else {
         last_sent_capability->offer = true;
     }
@@ -151,7 +156,7 @@ std::string CallSide::take_answer(const std::string& answer) {
     const Description description(answer);
     const Reading reading = read(description, Role::ANSWER, Strictness::LENIENT);
     if (description.sections.size() != Description(last_sent).sections.size()) {
-        throw Refusal(0, "the answer has not as many lines as the offer");
+        throw Refusal(0, "the answer and the offer have different numbers of media lines");
     }
     return entry("answer", *reading.capability);
 }

@@ -1,4 +1,5 @@
-// Finds out whether a re-INVITE changed something.
+/// @file
+/// Compares two descriptions of a call, as after a re-INVITE.
 
 #ifndef QOVA_TOOLS_ANSWER_CHANGES_H
 #define QOVA_TOOLS_ANSWER_CHANGES_H
@@ -10,10 +11,12 @@ class QOVA_Capability;
 namespace sdp {
 
 // [aside]
-// Takes a media's parameter objects out of the way for as long as it lives.
+/// Hides the parameter objects of a media while it exists, because QOVA_Media::operator== compares
+/// them by identity.
 class ParametersAside {
 public:
-    explicit ParametersAside(QOVA_Media& of) : media(of), amrwb(of.amrwbParam), opus(of.opusParam) {
+    explicit ParametersAside(QOVA_Media& given_media)
+        : media(given_media), amrwb(media.amrwbParam), opus(media.opusParam) {
         media.amrwbParam = nullptr;
         media.opusParam = nullptr;
     }
@@ -31,11 +34,13 @@ private:
 };
 // [aside]
 
-// Whether two media lines agree in what they are negotiated to be. Of two rejected lines the kind
-// alone counts. Both are as before when it returns.
+/// Returns true if two media lines have the same negotiated values, keys included. Two rejected
+/// lines are the same if they have the same type. Hides the parameter objects of both during the
+/// comparison. Linear in the number of attributes and keys.
 bool same_media(QOVA_Media& left, QOVA_Media& right);
 
-// Whether a call side's media changed, whatever role each has.
+/// Returns true if a side's media, hold or silence suppression changed. QOVA_Capability::offer does
+/// not count. Changes nothing, but hides parameter objects as same_media() does.
 bool changed(QOVA_Capability& before, QOVA_Capability& now);
 
 }  // namespace sdp

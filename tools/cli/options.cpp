@@ -8,10 +8,9 @@
 #include <utility>
 
 #include "cli/files.h"
-#include "move/mover.h"
 #include "qova/export.h"
 #include "sdp/audio.h"
-#include "sdp/text.h"
+#include "sdp/strings.h"
 
 const char usage[] =
     "usage: qova-sdp log [OPTION]... FILE...\n"
@@ -95,11 +94,12 @@ unsigned short port_of(const std::string& option, const std::string& value) {
     return static_cast<unsigned short>(*port);
 }
 
-std::string address_of(const std::string& option, const std::string& value) {
-    if (!sdp::is_address(value)) {
+sdp::MediaAddress address_of(const std::string& option, const std::string& value) {
+    const auto address = sdp::MediaAddress::parse(value);
+    if (!address) {
         throw Misuse(option + ": " + value + " is no unicast IPv4 or IPv6 address");
     }
-    return value;
+    return *address;
 }
 
 QOVA_Codec codec_of(const std::string& name) {
@@ -311,8 +311,7 @@ std::string version_of(const std::string& program) {
 }
 
 sdp::Policy policy_of(const Options& options) {
-    sdp::Policy policy;
-    IPAddress::Parse(*options.local, policy.address);
+    sdp::Policy policy{*options.local};
     policy.fax = options.fax;
     if (!options.codecs.empty()) {
         policy.codecs = options.codecs;
@@ -320,19 +319,15 @@ sdp::Policy policy_of(const Options& options) {
     return policy;
 }
 
-std::optional<sdp::PublicPlan> public_plan_of(const Options& options) {
+std::optional<sdp::Plan> public_plan_of(const Options& options) {
     if (!options.public_address) {
         return std::nullopt;
     }
-    sdp::PublicPlan plan = {{}, *options.audio_port, *options.fax_port};
-    IPAddress::Parse(*options.public_address, plan.address);
-    IPAddress local;
-    IPAddress::Parse(*options.local, local);
-    if (plan.address.Family() != local.Family()) {
-        throw Misuse("--public: " + *options.public_address + " is of another family than " +
-                     *options.local);
+    if (options.public_address->ip().Family() != options.local->ip().Family()) {
+        throw Misuse("--public: " + options.public_address->text() + " is of another family than " +
+                     options.local->text());
     }
-    return plan;
+    return sdp::Plan{*options.public_address, *options.audio_port, *options.fax_port};
 }
 
 sdp::Strictness strictness_of(const Options& options) {

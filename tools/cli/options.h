@@ -9,8 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "answer/call_side.h"
+#include "answer/answerer.h"
 #include "qova/enumerations.h"
+#include "sdp/plan.h"
+#include "sdp/reader.h"
 
 struct Options {
     std::string command;  // log, move or answer; of qova-answer none
@@ -25,9 +27,9 @@ struct Options {
     bool fax = true;
     std::string listen = "sip:127.0.0.1:5080;transport=tcp";
     std::optional<std::string> output;
-    std::optional<std::string> address;
-    std::optional<std::string> local;
-    std::optional<std::string> public_address;
+    std::optional<sdp::MediaAddress> address;
+    std::optional<sdp::MediaAddress> local;
+    std::optional<sdp::MediaAddress> public_address;
     std::optional<std::string> previous;
     std::vector<QOVA_Codec> codecs;  // empty: all
     std::optional<unsigned short> audio_port;
@@ -62,7 +64,7 @@ std::string version_of(const std::string& program);
 
 // What a side of a call is made of that answers, where --local is given. Throws Misuse.
 sdp::Policy policy_of(const Options& options);
-std::optional<sdp::PublicPlan> public_plan_of(const Options& options);
+std::optional<sdp::Plan> public_plan_of(const Options& options);
 sdp::Strictness strictness_of(const Options& options);
 
 #endif

@@ -15,26 +15,15 @@
 #include "cli/files.h"
 #include "cli/options.h"
 #include "move/mover.h"
+#include "sdp/diagnostics.h"
 #include "sdp/message.h"
 #include "sdp/reader.h"
+#include "sdp/strings.h"
 
 namespace {
 
 void print_error(const std::string& text) {
     std::fputs(text.c_str(), stderr);
-}
-
-std::string with_newline(std::string text) {
-    if (text.empty() || text.back() != '\n') {
-        text += '\n';
-    }
-    return text;
-}
-
-// A file's name, and its line if there is one.
-std::string place(const std::string& file, std::size_t line, std::size_t lines_before) {
-    const std::string name = display_name(file);
-    return line == 0 ? name : name + ":" + std::to_string(lines_before + line);
 }
 
 // One word of a shell's command line, and no option.
@@ -52,11 +41,11 @@ std::string word(const std::string& file) {
 }
 
 std::string way_back(const Options& options, const sdp::Move& move) {
-    if (move.old_address.empty()) {
+    if (!move.old_address) {
         return "none: no move restores the description";
     }
     return std::string("qova-sdp move ") + (options.back ? "" : "--back ") +
-           (options.answer ? "--answer " : "") + "--address " + move.old_address +
+           (options.answer ? "--answer " : "") + "--address " + move.old_address->text() +
            " --audio-port " + std::to_string(*options.audio_port) + " --fax-port " +
            std::to_string(*options.fax_port) + " " + word(options.output.value_or("-"));
 }
@@ -64,31 +53,35 @@ std::string way_back(const Options& options, const sdp::Move& move) {
 // What a file's command prints.
 struct Result {
     std::string output;
-    std::vector<sdp::Warning> warnings;
+    sdp::Diagnostics diagnostics;
     std::vector<std::string> notes;  // for standard error
-    std::vector<sdp::Warning> rejections = {};
 };
 
 Result run_log(const Options& options, const std::string& text) {
     const auto role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
     sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness_of(options));
-    return {with_newline(*reading.capability), std::move(reading.warnings), {}};
+    return {sdp::with_newline(*reading.capability), std::move(reading.diagnostics), {}};
 }
 
 Result run_move(const Options& options, const std::string& text) {
-    sdp::Plan plan = {*options.address, *options.audio_port, *options.fax_port};
-    plan.back = options.back;
-    plan.merge = options.merge;
-    plan.role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
-    plan.strictness = strictness_of(options);
-    sdp::Move move = sdp::move(text, plan);
+    const sdp::Plan plan = {*options.address, *options.audio_port, *options.fax_port};
+    const auto role = options.answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
+    sdp::Move move = [&] {
+        try {
+            return sdp::move(text, plan,
+                             {options.back, options.merge, role, strictness_of(options)});
+        } catch (const sdp::SeveralAddresses& refusal) {
+            throw sdp::Refusal(refusal.line,
+                               std::string(refusal.what()) + " (use --merge to allow it)");
+        }
+    }();
     std::vector<std::string> notes;
     if (options.verbose) {
-        notes.push_back("before: " + with_newline(move.log_before));
+        notes.push_back("before: " + sdp::with_newline(move.log_before));
     }
-    notes.push_back("after: " + with_newline(move.log_after));
+    notes.push_back("after: " + sdp::with_newline(move.log_after));
     notes.push_back("back: " + way_back(options, move) + "\n");
-    return {std::move(move.text), std::move(move.warnings), std::move(notes)};
+    return {std::move(move.text), std::move(move.diagnostics), std::move(notes)};
 }
 
 // Lets a call use a file's description. Throws what names the file and the line of a Refusal.
@@ -100,7 +93,8 @@ void with_description(const std::string& file, Call call) {
         lines_before = found.lines_before;
         call(found);
     } catch (const sdp::Refusal& refusal) {
-        throw std::runtime_error(place(file, refusal.line, lines_before) + ": " + refusal.what());
+        const std::size_t line = refusal.line == 0 ? 0 : lines_before + refusal.line;
+        throw std::runtime_error(sdp::place(display_name(file), line) + ": " + refusal.what());
     }
 }
 
@@ -122,10 +116,7 @@ Result run_answer(const Options& options, const std::string& text) {
         });
     }
     sdp::Reply reply = side.answer(text, strictness_of(options));
-    return {std::move(reply.text),
-            std::move(reply.warnings),
-            {std::move(reply.log)},
-            std::move(reply.rejections)};
+    return {std::move(reply.text), std::move(reply.diagnostics), {std::move(reply.log)}};
 }
 
 Result result_of(const Options& options, const std::string& text) {
@@ -139,17 +130,13 @@ void process(const Options& options, const std::string& file) {
     with_description(file, [&](const sdp::Found& found) {
         check_output(options, file, found);
         const Result result = result_of(options, found.text);
-        for (const auto& [list, kind] : {std::pair(&result.warnings, ": warning: "),
-                                         std::pair(&result.rejections, ": rejected: ")}) {
-            for (const sdp::Warning& warning : *list) {
-                print_error(place(file, warning.line, found.lines_before) + kind + warning.message +
-                            "\n");
-            }
+        for (const sdp::Diagnostic& diagnostic : result.diagnostics) {
+            print_error(sdp::printed(diagnostic, display_name(file), found.lines_before) + "\n");
         }
         if (options.output) {
             write_file(*options.output, result.output);
         } else if (is_one_of_many) {
-            write_output("==> " + display_name(file) + " <==\n" + with_newline(result.output));
+            write_output("==> " + display_name(file) + " <==\n" + sdp::with_newline(result.output));
         } else {
             write_output(result.output);
         }

@@ -5,13 +5,13 @@
 #include <map>
 #include <utility>
 
-#include "qova/capability.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-// The host of a URI such as msrp://user@[2001:db8::1]:2855/s111;tcp
+// Returns the host of a URI such as msrp://user@[2001:db8::1]:2855/s111;tcp
 std::string_view host_of(std::string_view uri) {
     const std::size_t scheme = uri.find("://");
     uri.remove_prefix(scheme == std::string_view::npos ? 0 : scheme + 3);
@@ -21,7 +21,7 @@ std::string_view host_of(std::string_view uri) {
                                    : uri.substr(0, uri.find(':'));
 }
 
-// The addresses that an attribute names beside those that move.
+// Returns the hosts in an attribute that does not move.
 std::vector<std::string_view> other_addresses(const Line& line) {
     std::vector<std::string_view> hosts;
     const std::vector<std::string_view> fields = tokens(line.value);
@@ -39,25 +39,21 @@ std::vector<std::string_view> other_addresses(const Line& line) {
 
 }  // namespace
 
-// The library computes modulo 65536 and moves a port 0 like any other; a description cannot.
-void check_ports(const MovableLine& line, const Plan& plan) {
+// The library computes modulo 65536 and moves port 0 like any other.
+void check_ports(const MovableLine& line, const Plan& plan, bool back) {
     if (line.leader == nullptr) {
         return;
     }
-    int shift = line.leader->mediaType == QOVA_Media::MT_AUDIO
-                    ? plan.audio_port - QOVA_Capability::AUDIO_PORT_BASE
-                    : plan.fax_port - QOVA_Capability::FAX_PORT_BASE;
-    if (plan.back) {
-        shift = -shift;
-    }
+    const int shift = (back ? -1 : 1) * port_shift(plan, line.leader->mediaType);
     for (const Port& port : line.ports) {
         if (port.first > 65535) {
-            throw Refusal(line.number(), "port 65535 leaves no second port to move");
+            throw Refusal(line.number(), "there is no RTCP port after port 65535");
         }
         for (const int number : {static_cast<int>(port.first), static_cast<int>(port.last)}) {
-            if (number + shift < 1 || number + shift > 65535) {
-                throw Refusal(line.number(), "the move takes port " + std::to_string(number) +
-                                                 " to " + std::to_string(number + shift));
+            if (!is_port(number + shift)) {
+                throw Refusal(line.number(), "the move would change port " +
+                                                 std::to_string(number) + " to " +
+                                                 std::to_string(number + shift));
             }
         }
     }
@@ -80,25 +76,26 @@ void check_endpoints(const std::vector<MovableLine>& lines, const Shifts& shifts
             const Endpoint end = {line.is_tcp, address, moved_port(port, shifts[i])};
             const MovableLine& first = *ends.emplace(end, &line).first->second;
             if (&first != &line && (line.bundle == 0 || line.bundle != first.bundle)) {
-                throw Refusal(line.number(), "the move would end at the address and port of line " +
-                                                 std::to_string(first.number()));
+                throw Refusal(line.number(),
+                              "the move would give this line the address and port of line " +
+                                  std::to_string(first.number()));
             }
             if (line.bundle != 0) {
                 const Endpoint begin = {line.is_tcp, line.address, port.first};
                 const auto known = bundled.emplace(std::pair(line.bundle, begin), end).first;
                 if (known->second != end) {
                     throw Refusal(line.number(),
-                                  "the move would part this line from those that are bundled with "
-                                  "it on one port");
+                                  "the move would separate this line from those that are bundled "
+                                  "with it on one port");
                 }
             }
         }
     }
 }
 
-std::vector<Warning> left_behind(const std::vector<MovableLine>& lines, const Shifts& shifts,
-                                 const MovingAddresses& moving, const std::string& new_address) {
-    std::vector<Warning> warnings;
+Diagnostics left_behind(const std::vector<MovableLine>& lines, const Shifts& shifts,
+                        const MovingAddresses& moving, const std::string& new_address) {
+    Diagnostics warnings;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const bool stays = lines[i].address == new_address && shifts[i] == 0;
         if (!lines[i].moves || stays) {
@@ -112,7 +109,8 @@ std::vector<Warning> left_behind(const std::vector<MovableLine>& lines, const Sh
         for (const Line& line : *lines[i].section) {
             const std::vector<std::string_view> hosts = other_addresses(line);
             if (std::any_of(hosts.begin(), hosts.end(), has_moved)) {
-                warnings.push_back({line.number, "an address that the move has left stays here"});
+                warnings.push_back(
+                    {line.number, Severity::WARNING, "this line still names the old address"});
             }
         }
     }

@@ -7,22 +7,22 @@ namespace sdp {
 
 namespace {
 
-// Whether a section has a line of that index, with no blank line before it.
+// Returns true if a section has a line with this index and no blank line before it.
 bool is_next(const Section& section, std::size_t index) {
     return index < section.size() && section[index].begin == section[index - 1].next;
 }
 
 }  // namespace
 
-Editor::Editor(const Description& whole, const Plan& how, const MovingAddresses& moving)
-    : description(whole), plan(how) {
-    IPAddress::Parse(plan.address, address);
+Editor::Editor(const Description& given_description, const MediaAddress& given_address,
+               bool given_back, const MovingAddresses& moving)
+    : description(given_description), address(given_address), back(given_back) {
     for (const AddressField& field : moving.fields) {
         if (field.address.IsMulticast()) {
             throw Refusal(field.line, "a multicast address cannot move");
         }
         if (field.suffix) {
-            throw Refusal(field.line, "an address with a number after it cannot move");
+            throw Refusal(field.line, "an address with a TTL or a count cannot move");
         }
         edit_address(field);
     }
@@ -34,7 +34,7 @@ Editor::Editor(const Description& whole, const Plan& how, const MovingAddresses&
     }
 }
 
-// A number that stays may be written with leading zeros: it stays as it is.
+// A port that stays can have leading zeros: it is not written again.
 void Editor::edit_ports(const MovableLine& line, unsigned short shift) {
     for (const Port& port : line.ports) {
         if (!port.digits.empty() && shift != 0) {
@@ -47,20 +47,20 @@ void Editor::keep_address(const Section& section) {
     if (old_connection == new_connection) {
         return;
     }
-    // The copy stands after this one.
+    // Copies come after this line.
     std::size_t before = 0;
     while (is_next(section, before + 1) && section[before + 1].type == 'i') {
         ++before;
     }
     const auto all = static_cast<std::size_t>(std::count_if(
         section.begin(), section.end(), [](const Line& line) { return line.type == 'c'; }));
-    const std::string& copy = plan.back ? new_connection : old_connection;
+    const std::string& copy = back ? new_connection : old_connection;
     std::size_t copies = 0;
     while (is_next(section, before + 1 + copies) &&
            description.content(section[before + 1 + copies]) == copy) {
         ++copies;
     }
-    if (all == 0 || (!plan.back && copies == all)) {
+    if (all == 0 || (!back && copies == all)) {
         insert_connection(section[before]);
     } else if (copies == all) {
         remove_connection(section[before], section[before + 1]);
@@ -90,16 +90,16 @@ void Editor::replace(std::string_view piece, std::string text) {
     edits.push_back({description.offset(piece), piece.size(), std::move(text)});
 }
 
-// The label keeps the case of its letters.
+// The label, such as "ip4", keeps its case.
 void Editor::edit_address(const AddressField& field) {
-    if (field.address.Family() != address.Family()) {
+    if (field.address.Family() != address.ip().Family()) {
         const std::string_view digit = field.label.substr(2);
         replace(digit, digit == "4" ? "6" : "4");
     }
-    replace(field.text, plan.address);
+    replace(field.text, address.text());
 }
 
-// A line as the edits so far make it.
+// Returns a line with the edits so far.
 std::string Editor::edited(const Line& line) const {
     std::vector<Edit> of_line;
     for (const Edit& edit : edits) {
@@ -119,7 +119,7 @@ void Editor::insert_connection(const Line& before) {
     }
 }
 
-// The exact reverse, if insert_connection() can have made the line.
+// Undoes insert_connection(), if that can have added the copy.
 void Editor::remove_connection(const Line& before, const Line& copy) {
     if (description.ending(copy) == description.ending(before)) {
         edits.push_back({copy.begin, copy.next - copy.begin, {}});

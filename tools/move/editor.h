@@ -1,4 +1,4 @@
-// Changes addresses and ports in a description's own text, and nothing else of it.
+// Changes addresses and ports in the text of a description, and nothing else.
 
 #ifndef QOVA_TOOLS_MOVE_EDITOR_H
 #define QOVA_TOOLS_MOVE_EDITOR_H
@@ -8,19 +8,20 @@
 #include <vector>
 
 #include "move/movable.h"
-#include "move/mover.h"
+#include "sdp/plan.h"
 #include "sdp/text.h"
 
 namespace sdp {
 
 class Editor {
 public:
-    // Moves the addresses. Throws Refusal for one that cannot move.
-    Editor(const Description& whole, const Plan& how, const MovingAddresses& moving);
+    // Changes the addresses. Borrows its arguments. Throws Refusal for an address that cannot move.
+    Editor(const Description& given_description, const MediaAddress& given_address, bool given_back,
+           const MovingAddresses& moving);
 
     void edit_ports(const MovableLine& line, unsigned short shift);
 
-    // Keeps the address of a line that does not move (see "The way back" in sdp_mover.h).
+    // Keeps the address of a line that does not move (see move/mover.h).
     void keep_address(const Section& section);
 
     std::string result() const;
@@ -28,8 +29,8 @@ public:
 private:
     struct Edit {
         std::size_t offset;
-        std::size_t length;  // of what goes
-        std::string text;    // that comes in its place
+        std::size_t length;  // of the old text
+        std::string text;    // the new text
     };
     static std::string apply(std::string_view text, std::vector<Edit> edits);
 
@@ -40,9 +41,9 @@ private:
     void remove_connection(const Line& before, const Line& copy);
 
     const Description& description;
-    const Plan& plan;
-    IPAddress address;
-    std::string old_connection;  // the session's c= line, when it changes
+    const MediaAddress& address;
+    const bool back;
+    std::string old_connection;  // the session's c= line, if it changes
     std::string new_connection;
     std::string connection_ending;
     std::vector<Edit> edits;

@@ -1,10 +1,12 @@
 #include "move/movable.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
-#include <tuple>
+#include <optional>
 #include <utility>
+
+#include "move/mover.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
@@ -21,7 +23,7 @@ bool has(const Section& section, std::string_view name) {
                        [name](const Line& line) { return same(line.name, name); });
 }
 
-// The address of a line; nothing where it is a host name or broken.
+// Returns the address of a line; nullopt if it is a host name or broken.
 std::optional<AddressField> address_or_none(const Line& line) {
     try {
         return line.type == 'c' ? connection_address(line) : origin_address(line);
@@ -36,7 +38,7 @@ std::string specified(const AddressField& field) {
 
 // --- Lines --------------------------------------------------------------------------------------
 
-// Which bundle each media identification (a=mid) belongs to.
+// Returns the bundle of each media identification (a=mid), as the number of its a=group line.
 std::map<std::string_view, std::size_t> bundles_of(const Section& session) {
     std::map<std::string_view, std::size_t> bundles;
     for (const Line& line : session) {
@@ -61,14 +63,14 @@ std::size_t bundle_of(const Section& section,
     return 0;
 }
 
-// A transport whose first part is TCP, such as TCP/RTP/AVP or TCPTL.
+// Returns true for transports such as TCP/RTP/AVP or TCPTL.
 bool is_over_tcp(std::string_view transport) {
     const std::string_view first = split(transport, "/", 2).front();
     return same(first, "tcp") || same(first, "tcptl");
 }
 
 std::vector<Port> ports_of(const MediaLine& media, const MovableLine& line) {
-    // Without an address no candidate is known yet (RFC 8838); a TCP line will connect (RFC 4145).
+    // Without an address, no candidate is known yet (RFC 8838); a TCP line will connect (RFC 4145).
     const auto is_discarded = [&line](unsigned long port, bool is_at_address) {
         return port == discard_port && (line.is_tcp || !is_at_address);
     };
@@ -89,8 +91,7 @@ std::vector<Port> ports_of(const MediaLine& media, const MovableLine& line) {
     return ports;
 }
 
-// The specified addresses that a line uses: those of its c= lines, else the session's, and that of
-// its a=rtcp.
+// Returns the specified addresses of a line: of its c= lines, or the session's, and of its a=rtcp.
 std::vector<AddressField> addresses_of(const Section& section, const Line* session_connection) {
     std::vector<AddressField> fields;
     if (first_connection(section) == nullptr && session_connection != nullptr) {
@@ -116,7 +117,7 @@ Endpoint endpoint_of(const MovableLine& line) {
     return {line.is_tcp, line.address, line.ports.empty() ? 0 : line.ports.front().first};
 }
 
-// Lines that are bundled on one port move by the plan of the first whose kind has one.
+// Lines that are bundled on one port move with the first one that the model moves.
 void follow_bundles(std::vector<MovableLine>& lines) {
     std::map<std::pair<std::size_t, Endpoint>, const QOVA_Media*> leaders;
     for (const MovableLine& line : lines) {
@@ -167,7 +168,7 @@ std::vector<MovableLine> movable_lines(const Description& description, const Rea
 }
 
 MovingAddresses moving_addresses(const Description& description,
-                                 const std::vector<MovableLine>& lines, const Plan& plan) {
+                                 const std::vector<MovableLine>& lines, bool merge) {
     MovingAddresses moving;
     std::size_t first_line = 0;
     const Section& session = description.sections.front();
@@ -176,25 +177,25 @@ MovingAddresses moving_addresses(const Description& description,
         for (const AddressField& field : line.at) {
             const std::string address = field.address.ToString();
             if (address != line.at.front().address.ToString()) {
-                throw Refusal(field.line, "the media has a second address, which cannot move");
+                throw Refusal(field.line, "a media line with two addresses cannot move");
             }
             if (moving.addresses.empty()) {
                 moving.first_written = field.text;
                 first_line = field.line;
             }
             moving.addresses.insert(address);
-            if (moving.addresses.size() > 1 && !plan.merge) {
-                throw Refusal(field.line, "the address differs from that of line " +
-                                              std::to_string(first_line) +
-                                              ": the move would make them one, and none parts "
-                                              "them again (--merge does it nevertheless)");
+            if (moving.addresses.size() > 1 && !merge) {
+                throw SeveralAddresses(field.line,
+                                       "the address differs from that of line " +
+                                           std::to_string(first_line) +
+                                           "; moving both to one address cannot be undone");
             }
             if (session_connection == nullptr || field.line != session_connection->number) {
                 moving.fields.push_back(field);
             }
         }
     }
-    // The session's own places follow when they name an address that moves.
+    // The lines of the session change too, if they have an address that moves.
     for (const Line& line : session) {
         if (line.type != 'c' && line.type != 'o') {
             continue;

@@ -1,17 +1,15 @@
-// What of a description a move changes: which lines, with which ports and addresses.
+// What a move changes in a description: lines, ports and addresses.
 
 #ifndef QOVA_TOOLS_MOVE_MOVABLE_H
 #define QOVA_TOOLS_MOVE_MOVABLE_H
 
 #include <cstddef>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <vector>
 
-#include "move/mover.h"
 #include "qova/media.h"
 #include "sdp/reader.h"
 #include "sdp/text.h"
@@ -19,44 +17,45 @@
 namespace sdp {
 
 struct Port {
-    std::string_view digits;  // empty: implied, as the RTCP port is
+    std::string_view digits;  // empty if implied, as the RTCP port is
     unsigned long first;
     unsigned long last;
 };
 
-// An m= line and what follows it. What points to media is borrowed.
+// A media line and the lines after it. It borrows the section and the media.
 struct MovableLine {
     const Section* section;
     bool moves;                    // neither rejected nor passed through
-    std::string address;           // that its c= gives it; empty: unspecified, or none
-    bool is_tcp;                   // else UDP, whose ports are others
-    std::size_t bundle;            // the line of its group (RFC 8843); 0: none
-    const QOVA_Media* leader;      // whose ports its own follow; null: its ports stay
-    std::vector<Port> ports;       // but for those that mean no port yet
-    std::vector<AddressField> at;  // specified addresses of a line that moves
+    std::string address;           // of its c=; empty if unspecified or missing
+    bool is_tcp;                   // TCP and UDP have different ports
+    std::size_t bundle;            // the number of its a=group line (RFC 8843), or 0
+    const QOVA_Media* leader;      // the media that its ports move with; null if they stay
+    std::vector<Port> ports;       // without discard ports
+    std::vector<AddressField> at;  // the specified addresses of a line that moves
 
     std::size_t number() const { return section->front().number; }
 };
 
 std::vector<MovableLine> movable_lines(const Description& description, const Reading& reading);
 
-// By how much the ports of each line move, modulo 65536 as the library computes.
+// What is added to the ports of each line, modulo 65536 as in the library.
 using Shifts = std::vector<unsigned short>;
 unsigned short moved_port(const Port& port, unsigned short shift);
 
-// TCP or not, address, port: two lines that share one receive each other's packets.
+// TCP, address, port: two lines that share them receive each other's packets.
 using Endpoint = std::tuple<bool, std::string, unsigned long>;
 
-// The places of the addresses that a move changes.
+// The addresses that a move changes.
 struct MovingAddresses {
-    std::vector<AddressField> fields;          // each place once
-    const Line* session_connection = nullptr;  // when it is one of the places
-    std::set<std::string> addresses;           // without those that stay
-    std::string first_written;                 // as the first was written; empty when there is none
+    std::vector<AddressField> fields;          // each place in the text once
+    const Line* session_connection = nullptr;  // if it is one of the places
+    std::set<std::string> addresses;           // all different ones
+    std::string first_written;                 // the first one in its spelling; empty without one
 };
-// Throws Refusal for a line that has two addresses, and for several addresses without Plan::merge.
+
+// Throws Refusal for a line with two addresses, and SeveralAddresses unless `merge` is true.
 MovingAddresses moving_addresses(const Description& description,
-                                 const std::vector<MovableLine>& lines, const Plan& plan);
+                                 const std::vector<MovableLine>& lines, bool merge);
 
 }  // namespace sdp
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "move/checks.h"
 #include "move/editor.h"
@@ -15,16 +16,16 @@ namespace sdp {
 
 namespace {
 
-// Moves the model, and says by how much it moved the ports that each line follows.
+// Moves the model. Returns what it added to the ports that each line follows.
 Shifts move_model(QOVA_Capability& capability, const std::vector<MovableLine>& lines,
-                  const Plan& plan, const IPAddress& address) {
+                  const Plan& plan, bool back) {
     const auto port_of = [](const MovableLine& line) {
         return line.leader == nullptr ? 0 : line.leader->rcvPort;
     };
     Shifts before;
     std::transform(lines.begin(), lines.end(), std::back_inserter(before), port_of);
-    const UDPAddr endpoint(address, 0);
-    if (plan.back) {
+    const UDPAddr endpoint(plan.address.ip(), 0);
+    if (back) {
         capability.setLocalAddrPort(endpoint, plan.audio_port, plan.fax_port);
     } else {
         capability.setPublicAddrPort(endpoint, plan.audio_port, plan.fax_port);
@@ -37,39 +38,36 @@ Shifts move_model(QOVA_Capability& capability, const std::vector<MovableLine>& l
     return shifts;
 }
 
-// The capability of a text that a move has made.
+// Returns the log text of a description that was moved.
 std::string log_of(const std::string& text, Role role) {
     try {
         return *read(Description(text), role, Strictness::LENIENT).capability;
     } catch (const Refusal& refusal) {
-        throw std::logic_error(std::string("the moved description is not read: ") + refusal.what());
+        throw std::logic_error(std::string("cannot read the moved description: ") + refusal.what());
     }
 }
 
-// But for the log after, and without trying the way back.
-Move move_once(const std::string& text, const Plan& plan) {
-    if (!is_address(plan.address)) {
-        throw Refusal(0, "the new address is not one that media can have");
-    }
+// Moves a description without trying the way back. The log text after the move is missing.
+Move move_once(const std::string& text, const Plan& plan, const MoveOptions& options) {
     const Description description(text);
-    Reading reading = read(description, plan.role, plan.strictness);
+    Reading reading = read(description, options.role, options.strictness);
     const std::vector<MovableLine> lines = movable_lines(description, reading);
     for (const MovableLine& line : lines) {
-        check_ports(line, plan);
+        check_ports(line, plan, options.back);
     }
-    const MovingAddresses moving = moving_addresses(description, lines, plan);
-    Editor editor(description, plan, moving);
+    const MovingAddresses moving = moving_addresses(description, lines, options.merge);
+    Editor editor(description, plan.address, options.back, moving);
 
-    Move move;
-    move.old_address = moving.addresses.size() == 1 ? moving.first_written : "";
+    Move result;
     if (moving.addresses.empty()) {
-        move.old_address = plan.address;  // any will do, as none is written
+        result.old_address = plan.address;  // any address: the text has none
+    } else if (moving.addresses.size() == 1) {
+        result.old_address = MediaAddress::parse(moving.first_written);
     }
-    move.log_before = std::string(*reading.capability);
-    IPAddress address;
-    IPAddress::Parse(plan.address, address);
-    const Shifts shifts = move_model(*reading.capability, lines, plan, address);
-    check_endpoints(lines, shifts, address.ToString());
+    result.log_before = std::string(*reading.capability);
+    const std::string new_address = plan.address.ip().ToString();
+    const Shifts shifts = move_model(*reading.capability, lines, plan, options.back);
+    check_endpoints(lines, shifts, new_address);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (lines[i].moves) {
             editor.edit_ports(lines[i], shifts[i]);
@@ -77,28 +75,26 @@ Move move_once(const std::string& text, const Plan& plan) {
             editor.keep_address(*lines[i].section);
         }
     }
-    move.text = editor.result();
-    move.warnings = std::move(reading.warnings);
-    for (Warning& warning : left_behind(lines, shifts, moving, address.ToString())) {
-        if (plan.strictness == Strictness::STRICT) {
+    result.text = editor.result();
+    result.diagnostics = std::move(reading.diagnostics);
+    for (Diagnostic& warning : left_behind(lines, shifts, moving, new_address)) {
+        if (options.strictness == Strictness::STRICT) {
             throw Refusal(warning.line, warning.message);
         }
-        move.warnings.push_back(std::move(warning));
+        result.diagnostics.push_back(std::move(warning));
     }
-    std::stable_sort(
-        move.warnings.begin(), move.warnings.end(),
-        [](const Warning& left, const Warning& right) { return left.line < right.line; });
-    return move;
+    sort(result.diagnostics);
+    return result;
 }
 
-// The text that the reverse move makes of a move's.
-std::string moved_back(const Plan& plan, const Move& move) {
-    Plan back = plan;
-    back.address = move.old_address;
-    back.back = !plan.back;
-    back.strictness = Strictness::LENIENT;
+// Returns the text that the reverse move makes.
+std::string moved_back(const Move& moved, const Plan& plan, const MoveOptions& options) {
+    const Plan old_plan = {*moved.old_address, plan.audio_port, plan.fax_port};
+    MoveOptions reverse = options;
+    reverse.back = !options.back;
+    reverse.strictness = Strictness::LENIENT;
     try {
-        return move_once(move.text, back).text;
+        return move_once(moved.text, old_plan, reverse).text;
     } catch (const Refusal& refusal) {
         throw Refusal(0, "the reverse move would be refused, at line " +
                              std::to_string(refusal.line) +
@@ -106,39 +102,34 @@ std::string moved_back(const Plan& plan, const Move& move) {
     }
 }
 
-void check_way_back(const std::string& text, const Plan& plan, const Move& move) {
-    const std::string restored = moved_back(plan, move);
+// Throws Refusal if the reverse move does not restore the text.
+void check_way_back(const std::string& text, const std::string& restored) {
     if (restored != text) {
         const auto differing =
             std::mismatch(text.begin(), text.end(), restored.begin(), restored.end()).first;
         const auto offset = static_cast<std::size_t>(differing - text.begin());
         throw Refusal(Description(text).line_at(offset),
-                      "the reverse move would not restore this line: it is already at the new "
-                      "address or port, or spells the old address or a port in an unusual way");
+                      "the reverse move would not restore this line: it already has the new "
+                      "address or port, or an unusual spelling of the old address or a port");
     }
 }
 
 }  // namespace
 
-bool is_address(const std::string& text) {
-    IPAddress address;
-    return IPAddress::Parse(text, address) && !address.IsMulticast() && address.IsAny() == 0;
-}
-
-Move move(const std::string& text, const Plan& plan) {
-    Move move = move_once(text, plan);
-    move.log_after = log_of(move.text, plan.role);
-    if (!move.old_address.empty()) {
+Move move(const std::string& text, const Plan& plan, const MoveOptions& options) {
+    Move result = move_once(text, plan, options);
+    result.log_after = log_of(result.text, options.role);
+    if (result.old_address) {
         try {
-            check_way_back(text, plan, move);
+            check_way_back(text, moved_back(result, plan, options));
         } catch (const Refusal&) {
-            if (!plan.back) {
+            if (!options.back) {
                 throw;
             }
-            move.old_address.clear();
+            result.old_address.reset();
         }
     }
-    return move;
+    return result;
 }
 
 }  // namespace sdp

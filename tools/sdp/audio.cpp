@@ -4,9 +4,10 @@
 #include <climits>
 
 #include "netconf/sdp.h"
+#include "qova/attributes.h"
+#include "qova/ownership.h"
 #include "sdp/formats.h"
-#include "sdp/media.h"
-#include "sdp/parser.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
@@ -23,37 +24,33 @@ constexpr CodecName codec_names[] = {
     {"G722", 16000, CODEC_G722},     {"AMR-WB", 16000, CODEC_G722_2}, {"opus", 48000, CODEC_OPUS},
 };
 
-QOVA_Codec codec_of(const sdp_rtpmap_t& payload) {
+QOVA_Codec codec_of(const Payload& payload) {
     for (const CodecName& name : codec_names) {
-        if (same(text_of(payload.rm_encoding), name.encoding) && payload.rm_rate == name.rate) {
+        if (same(payload.encoding, name.encoding) && payload.rate == name.rate) {
             return name.codec;
         }
     }
     const unsigned first_dynamic = 96;
-    // A static number could be mistaken for an enumerator.
-    return payload.rm_pt >= first_dynamic ? static_cast<QOVA_Codec>(payload.rm_pt) : CODEC_NIL;
+    // A static payload type could equal an enumerator.
+    return payload.type >= first_dynamic ? static_cast<QOVA_Codec>(payload.type) : CODEC_NIL;
 }
 
-bool is_tone_event(const sdp_rtpmap_t& payload) {
-    return same(text_of(payload.rm_encoding), "telephone-event");
-}
-
-// The payload type of the tone events with the clock rate of a payload.
-QOVA_Codec tone_events_for(const sdp_rtpmap_t& payload,
-                           const std::vector<const sdp_rtpmap_t*>& payloads) {
+// Returns the payload type of the tone events that have the clock rate of a payload.
+QOVA_Codec tone_events_for(const Payload& payload, const std::vector<Payload>& payloads) {
     const auto found =
-        std::find_if(payloads.begin(), payloads.end(), [&payload](const sdp_rtpmap_t* candidate) {
-            return is_tone_event(*candidate) && candidate->rm_rate == payload.rm_rate;
+        std::find_if(payloads.begin(), payloads.end(), [&payload](const Payload& candidate) {
+            return is_tone_event(candidate) && candidate.rate == payload.rate;
         });
-    return found == payloads.end() ? CODEC_NIL : static_cast<QOVA_Codec>((*found)->rm_pt);
+    return found == payloads.end() ? CODEC_NIL : static_cast<QOVA_Codec>(found->type);
 }
 
-// Whether the payload has an annex that does voice activity detection.
+// Returns true if the codec has an annex for voice activity detection.
 bool has_annex(QOVA_Codec codec) {
     return codec == CODEC_G729 || codec == CODEC_G729A || codec == CODEC_G723;
 }
 
-// A parameter of a payload; those of AMR-WB and Opus go to the line if none went there yet.
+// Stores a parameter of a payload. The line has the parameters of its first AMR-WB and Opus
+// payloads.
 void read_parameter(const Parameter& parameter, QOVA_Codec codec, bool is_first_of_codec,
                     QOVA_Media& media, bool& vad) {
     if (has_annex(codec) || codec == CODEC_G722_2 || codec == CODEC_OPUS) {
@@ -70,27 +67,27 @@ void read_parameter(const Parameter& parameter, QOVA_Codec codec, bool is_first_
     }
 }
 
-// Whole milliseconds; RFC 8866 allows fractions, which the model has no room for.
-int milliseconds(const Line& line, const std::string& what, std::vector<Warning>& warnings) {
+// RFC 8866 allows fractions of a millisecond, but the model cannot hold them.
+int milliseconds(const Line& line, const std::string& what, Diagnostics& warnings) {
     const std::vector<std::string_view> parts = split(line.value, ".", 2);
     const bool is_real = parts.size() == 2 && !parts[1].empty() &&
                          parts[1].find_first_not_of("0123456789") == std::string_view::npos;
-    const auto whole = needed_number(line.number, what, is_real ? parts[0] : line.value, INT_MAX);
+    const auto whole = required_number(line.number, what, is_real ? parts[0] : line.value, INT_MAX);
     if (is_real && parts[1].find_first_not_of('0') != std::string_view::npos) {
-        warnings.push_back({line.number, what + ": only whole milliseconds are taken"});
+        warnings.push_back(
+            {line.number, Severity::WARNING, what + ": only whole milliseconds are used"});
     }
     return static_cast<int>(whole);
 }
 
 }  // namespace
 
-std::vector<unsigned> read_audio(const sdp_media_t& parsed, const Section& section,
-                                 std::optional<bool> silence, QOVA_Media& media,
-                                 std::vector<Warning>& warnings) {
+void read_audio(const std::vector<Payload>& payloads, const Section& section,
+                std::optional<bool> silence_suppression, QOVA_Media& media, Diagnostics& warnings) {
     int framing = 0;
     int max_framing = 0;
     for (const Line& line : section) {
-        tolerate(warnings, [&] {
+        warn_of_refusal(warnings, [&] {
             if (same(line.name, "ptime")) {
                 framing = milliseconds(line, "a=ptime", warnings);
             } else if (same(line.name, "maxptime")) {
@@ -99,38 +96,39 @@ std::vector<unsigned> read_audio(const sdp_media_t& parsed, const Section& secti
         });
     }
     const std::vector<Fmtp> fmtps = fmtps_of(section, warnings);
-    const std::vector<const sdp_rtpmap_t*> payloads = payloads_of(parsed);
-    std::vector<unsigned> types;
-    for (const sdp_rtpmap_t* payload : payloads) {
-        if (is_tone_event(*payload)) {
+    for (const Payload& payload : payloads) {
+        if (is_tone_event(payload)) {
             continue;
         }
-        types.push_back(payload->rm_pt);
-        const QOVA_Codec codec = codec_of(*payload);
+        const QOVA_Codec codec = codec_of(payload);
         const bool is_first_of_codec = media.find(codec) == nullptr;
-        auto& audio = append_attribute<QOVA_AudioAttribute>(media, QOVA_Media::AT_AUDIO);
+        auto& audio = qova::append<QOVA_AudioAttribute>(media.attributes);
         audio.codec = codec;
         audio.framing = framing;
         audio.mxFraming = max_framing;
-        audio.mf = tone_events_for(*payload, payloads);
-        audio.vad = silence.value_or(has_annex(codec));
+        audio.mf = tone_events_for(payload, payloads);
+        audio.vad = silence_suppression.value_or(has_annex(codec));
         if (codec == CODEC_G722_2 && is_first_of_codec) {
-            media.amrwbParam->payloadType = static_cast<int>(payload->rm_pt);
-            if (const auto channels = number(text_of(payload->rm_params), 6)) {
+            media.amrwbParam->payloadType = static_cast<int>(payload.type);
+            if (const auto channels = number(payload.parameters, 6)) {
                 media.amrwbParam->channels = static_cast<int>(*channels);
             }
         }
         for (const Fmtp& fmtp : fmtps) {
-            if (fmtp.payload == payload->rm_pt) {
-                for (const Parameter& parameter : fmtp.parameters) {
-                    tolerate(warnings, [&] {
-                        read_parameter(parameter, codec, is_first_of_codec, media, audio.vad);
-                    });
-                }
+            if (fmtp.payload != payload.type) {
+                continue;
+            }
+            for (const Parameter& parameter : fmtp.parameters) {
+                warn_of_refusal(warnings, [&] {
+                    read_parameter(parameter, codec, is_first_of_codec, media, audio.vad);
+                });
             }
         }
     }
-    return types;
+}
+
+bool is_tone_event(const Payload& payload) {
+    return same(payload.encoding, "telephone-event");
 }
 
 std::optional<QOVA_Codec> codec_named(std::string_view encoding) {

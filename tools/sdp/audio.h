@@ -8,20 +8,20 @@
 #include <vector>
 
 #include "qova/enumerations.h"
+#include "qova/media.h"
 #include "sdp/text.h"
-
-class QOVA_Media;
-struct sdp_media_s;  // sofia-sip's
 
 namespace sdp {
 
-// Silence suppression is what a=silenceSupp says for the line, if it does. Returns the payload type
-// of each attribute.
-std::vector<unsigned> read_audio(const sdp_media_s& parsed, const Section& section,
-                                 std::optional<bool> silence, QOVA_Media& media,
-                                 std::vector<Warning>& warnings);
+// Appends the attributes of an audio line: one for each payload that is not a tone event.
+// `silence_suppression` is the value of a=silenceSupp, if there is one.
+void read_audio(const std::vector<Payload>& payloads, const Section& section,
+                std::optional<bool> silence_suppression, QOVA_Media& media, Diagnostics& warnings);
 
-// The codec of an encoding name.
+// Returns true for telephone-event (RFC 4733).
+bool is_tone_event(const Payload& payload);
+
+// Returns the codec with an encoding name, such as "PCMA".
 std::optional<QOVA_Codec> codec_named(std::string_view encoding);
 
 }  // namespace sdp

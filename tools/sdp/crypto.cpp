@@ -5,17 +5,19 @@
 #include <algorithm>
 #include <climits>
 
+#include "sdp/strings.h"
+
 namespace sdp {
 
 namespace {
 
 constexpr std::string_view method = "inline:";
 
-// Master key and salt of a suite, in bytes.
+// The size of a suite's master key and salt in bytes.
 struct KeySize {
     g_crypto_suite suite;
-    std::size_t least;
-    std::size_t most;
+    std::size_t min;
+    std::size_t max;
 };
 constexpr KeySize key_sizes[] = {
     {CS_AES_CM_128_HMAC_SHA1_80, 30, 30}, {CS_AES_CM_128_HMAC_SHA1_32, 30, 30},
@@ -34,7 +36,7 @@ const KeySize* key_size_of(g_crypto_suite suite) {
     return found == std::end(key_sizes) ? nullptr : found;
 }
 
-// Names are matched in any letter case, and offers often transpose those of the longest keys.
+// Names have any letter case, and offers often transpose those with 256-bit keys.
 g_crypto_suite suite_of(std::string_view name) {
     constexpr std::string_view transposed = "AES_CM_256_";
     std::string suite(name);
@@ -47,8 +49,8 @@ g_crypto_suite suite_of(std::string_view name) {
     return Sdp::CryptoParser::algoToEnum(suite);
 }
 
-// Base64 (RFC 4648), with or without its padding. The number of bytes; nothing when the text is
-// none, or too long. The decoder itself passes over what it does not know.
+// Decodes base64 (RFC 4648), with or without padding. Returns the number of bytes; nullopt if the
+// text is not base64 or is too long. The decoder itself skips unknown characters.
 std::optional<std::size_t> decode_key(std::string_view text, QOVA_CryptoKey& key) {
     constexpr const char* alphabet =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -61,33 +63,33 @@ std::optional<std::size_t> decode_key(std::string_view text, QOVA_CryptoKey& key
     return base64_d(reinterpret_cast<char*>(key.key), sizeof key.key, std::string(text).c_str());
 }
 
-// <number> or 2^<number>, at most SRTP's 2^48; the model holds 32 bits of it.
+// NUMBER or 2^NUMBER, at most 2^48 (RFC 3711); the model holds 32 bits.
 unsigned int lifetime_of(const Line& line, std::string_view text) {
-    constexpr unsigned greatest_power = 48;
+    constexpr unsigned max_power = 48;
     std::optional<unsigned long long> packets;
     if (text.substr(0, 2) == "2^") {
-        if (const auto power = number(text.substr(2), greatest_power)) {
+        if (const auto power = number(text.substr(2), max_power)) {
             packets = 1ULL << *power;
         }
     } else {
-        packets = number(text, 1ULL << greatest_power);
+        packets = number(text, 1ULL << max_power);
     }
     if (!packets || *packets == 0) {
-        throw Refusal(line.number, "a=crypto: the lifetime is no number of packets up to 2^48");
+        throw Refusal(line.number, "a=crypto: expected a lifetime of 1 to 2^48 packets");
     }
     return static_cast<unsigned int>(std::min<unsigned long long>(*packets, UINT_MAX));
 }
 
-// <value>:<length>
+// VALUE:LENGTH
 void read_mki(const Line& line, const std::vector<std::string_view>& parts, QOVA_CryptoKey& key) {
     const auto size = number(parts[1], sizeof key.mki);
     if (!size || *size == 0) {
-        throw Refusal(line.number, "a=crypto: the MKI's length is no number from 1 to 8");
+        throw Refusal(line.number, "a=crypto: expected an MKI length from 1 to 8");
     }
     const unsigned unused_bits = 64 - 8 * static_cast<unsigned>(*size);
     const auto value = number(parts[0], ULLONG_MAX >> unused_bits);
     if (!value) {
-        throw Refusal(line.number, "a=crypto: the MKI is no number of that length");
+        throw Refusal(line.number, "a=crypto: the MKI is not a number of that length");
     }
     key.mkiSize = static_cast<unsigned char>(*size);
     for (unsigned i = 0; i < key.mkiSize; ++i) {
@@ -95,20 +97,20 @@ void read_mki(const Line& line, const std::vector<std::string_view>& parts, QOVA
     }
 }
 
-// inline:<key>["|"<lifetime>]["|"<MKI>]
+// inline:KEY[|LIFETIME][|MKI]
 QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite suite) {
-    if (!same(text.substr(0, method.size()), method)) {
-        throw Refusal(line.number, "a=crypto: a key is not given inline");
+    if (!starts_with(text, method)) {
+        throw Refusal(line.number, "a=crypto: expected an inline key");
     }
     const std::vector<std::string_view> fields = split(text.substr(method.size()), "|");
     QOVA_CryptoKey key = {};
     const auto size = decode_key(fields[0], key);
     if (!size) {
-        throw Refusal(line.number, "a=crypto: a key is not base64, or too long");
+        throw Refusal(line.number, "a=crypto: a key is not base64 or is too long");
     }
     const KeySize* const sizes = key_size_of(suite);
-    if (*size < sizes->least || *size > sizes->most) {
-        throw Refusal(line.number, "a=crypto: a key has not the length that the suite asks for");
+    if (*size < sizes->min || *size > sizes->max) {
+        throw Refusal(line.number, "a=crypto: wrong key length for this suite");
     }
     std::size_t next = 1;
     if (next < fields.size() && split(fields[next], ":").size() == 1) {
@@ -122,23 +124,23 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
         }
     }
     if (next != fields.size()) {
-        throw Refusal(line.number, "a=crypto: something follows a key's lifetime and MKI");
+        throw Refusal(line.number, "a=crypto: unexpected text after a key");
     }
     return key;
 }
 
-// How many bytes of a line may be shown: those before key material, where there is any. What
-// carries keys may be wrapped in another attribute (RFC 3407, RFC 5939).
+// Returns the number of bytes before the key material of a line. The attribute with the keys can be
+// inside another one (RFC 3407, RFC 5939).
 std::size_t size_before_keys(std::string_view content) {
     for (std::size_t at = 0; at < content.size(); ++at) {
         const std::string_view rest = content.substr(at);
         const bool begins_word =
             at == 0 || std::string_view(" \t:;").find(content[at - 1]) != std::string_view::npos;
-        if (begins_word && same(rest.substr(0, 2), "k=")) {
+        if (begins_word && starts_with(rest, "k=")) {
             return at + 2;
         }
         for (const std::string_view name : {"crypto", "key-mgmt", "ice-pwd", "3GE2AE", "inline:"}) {
-            if (same(rest.substr(0, name.size()), name)) {
+            if (starts_with(rest, name)) {
                 const std::size_t end = at + name.size();
                 const std::size_t next = content.find_first_not_of(blanks, end);
                 return next != std::string_view::npos && content[next] == ':' ? next + 1 : end;
@@ -150,7 +152,7 @@ std::size_t size_before_keys(std::string_view content) {
 
 }  // namespace
 
-// <tag> <suite> <key>[;<key>]... [<session parameter>]...
+// TAG SUITE KEY[;KEY]... [SESSION-PARAMETER]...
 std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
     if (fields.size() < 3) {
@@ -158,7 +160,7 @@ std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
     }
     auto crypto = std::make_unique<QOVA_Crypto>();
     crypto->tag =
-        static_cast<unsigned>(needed_number(line.number, "a=crypto: tag", fields[0], 999999999));
+        static_cast<unsigned>(required_number(line.number, "a=crypto tag", fields[0], 999999999));
     crypto->algo = suite_of(fields[1]);
     if (crypto->algo != CS_NIL) {
         for (const std::string_view key : split(fields[2], ";")) {
@@ -171,7 +173,7 @@ std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
 bool needs_session_parameter(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
     return fields.size() > 3 && std::any_of(fields.begin() + 3, fields.end(), [](auto parameter) {
-               return parameter.front() != '-';  // which marks those that may be passed over
+               return parameter.front() != '-';  // an optional one
            });
 }
 
@@ -196,7 +198,7 @@ std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer) {
 
 std::size_t key_size(g_crypto_suite suite) {
     const KeySize* const sizes = key_size_of(suite);
-    return sizes == nullptr ? 0 : sizes->least;
+    return sizes == nullptr ? 0 : sizes->min;
 }
 
 std::string without_keys(const Description& description, const Section& section) {

@@ -1,4 +1,4 @@
-// Keys: crypto lines (RFC 4568), and lines as they may be shown.
+// Keys: a=crypto lines (RFC 4568), and lines without their keys.
 
 #ifndef QOVA_TOOLS_SDP_CRYPTO_H
 #define QOVA_TOOLS_SDP_CRYPTO_H
@@ -11,20 +11,19 @@
 
 namespace sdp {
 
-// Reads an a=crypto line. Throws Refusal.
+// Parses an a=crypto line. Throws Refusal.
 std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line);
 
-// Whether an a=crypto line may be accepted only by who understands one of its session parameters.
+// Returns true if an a=crypto line has a mandatory session parameter.
 bool needs_session_parameter(const Line& line);
 
-// The value of an a=crypto line that has one key, and whose suite has the name that an offer gives
-// it: its letter case, and how it transposes it, are its own.
+// Returns the value of an a=crypto line with one key. The suite is spelled as in the offer.
 std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer);
 
-// Master key and salt of a suite, in bytes; 0 for one whose keys are unknown.
+// Returns the size of a suite's master key and salt in bytes; 0 if it is unknown.
 std::size_t key_size(g_crypto_suite suite);
 
-// The lines of a section as they came, but for their keys.
+// Returns the lines of a section with "(withheld)" instead of their keys.
 std::string without_keys(const Description& description, const Section& section);
 
 }  // namespace sdp

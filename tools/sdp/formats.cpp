@@ -2,41 +2,46 @@
 
 #include <climits>
 #include <initializer_list>
+#include <list>
 #include <string>
 
-#include "netconf/sdp.h"
-#include "qova/attributes.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-// Reads a value into the member that has its name.
+// Stores the value if the parameter has this name.
 template <class Member>
-void take(const Parameter& parameter, const char* name, Member& member,
-          unsigned long long greatest) {
+void take(const Parameter& parameter, const char* name, Member& member, unsigned long long max) {
     if (same(parameter.name, name)) {
-        member =
-            static_cast<Member>(needed_number(parameter.line, name, parameter.value, greatest));
+        member = static_cast<Member>(required_number(parameter.line, name, parameter.value, max));
     }
 }
 
-// Which of some words a value is. Throws Refusal where it is none of them.
-int word(const Parameter& parameter, std::initializer_list<std::string_view> words,
-         const std::string& message) {
-    int index = 0;
-    for (const std::string_view candidate : words) {
-        if (same(parameter.value, candidate)) {
-            return index;
+// The same for a value that is one of some words. Stores its index, counted from `first`.
+template <class Member>
+void take(const Parameter& parameter, const char* name, Member& member,
+          std::initializer_list<std::string_view> words, int first = 0) {
+    if (!same(parameter.name, name)) {
+        return;
+    }
+    int index = first;
+    std::string expected;
+    for (const std::string_view word : words) {
+        if (same(parameter.value, word)) {
+            member = static_cast<Member>(index);
+            return;
         }
+        expected.append(index == first ? "" : " or ").append(word);
         ++index;
     }
-    throw Refusal(parameter.line, message);
+    throw Refusal(parameter.line, name + (": expected " + expected));
 }
 
 Fmtp fmtp_of(const Line& line) {
     const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-    Fmtp fmtp = {needed_payload_type(line.number, "a=fmtp", fields[0]), {}};
+    Fmtp fmtp = {required_payload_type(line.number, "a=fmtp", fields[0]), {}};
     if (fields.size() != 2) {
         throw Refusal(line.number, "a=fmtp: the parameters are missing");
     }
@@ -50,11 +55,11 @@ Fmtp fmtp_of(const Line& line) {
 
 }  // namespace
 
-std::vector<Fmtp> fmtps_of(const Section& section, std::vector<Warning>& warnings) {
+std::vector<Fmtp> fmtps_of(const Section& section, Diagnostics& warnings) {
     std::vector<Fmtp> found;
     for (const Line& line : section) {
         if (same(line.name, "fmtp")) {
-            tolerate(warnings, [&] { found.push_back(fmtp_of(line)); });
+            warn_of_refusal(warnings, [&] { found.push_back(fmtp_of(line)); });
         }
     }
     return found;
@@ -64,8 +69,7 @@ void check_separator(const Parameter& parameter) {
     const std::size_t blank = parameter.value.find_first_of(blanks);
     if (blank != std::string_view::npos &&
         parameter.value.find('=', blank) != std::string_view::npos) {
-        throw Refusal(parameter.line,
-                      "a=fmtp: blanks separate two parameters, where a semicolon belongs");
+        throw Refusal(parameter.line, "a=fmtp: expected a semicolon between two parameters");
     }
 }
 
@@ -74,7 +78,7 @@ void read_amrwb(const Parameter& parameter, Sdp::Sdp_Amrwb_Param& amrwb) {
         std::list<int> modes;
         for (const std::string_view mode : split(parameter.value, ",")) {
             modes.push_back(
-                static_cast<int>(needed_number(parameter.line, "mode-set", trimmed(mode), 8)));
+                static_cast<int>(required_number(parameter.line, "mode-set", trimmed(mode), 8)));
         }
         amrwb.modeSet = modes;
     }
@@ -105,28 +109,18 @@ void read_t38(const Parameter& parameter, QOVA_FaxAttribute& fax) {
     take(parameter, "T38MaxBitRate", fax.mxRate, UINT_MAX);
     take(parameter, "T38FaxMaxBuffer", fax.mxBuffer, UINT_MAX);
     take(parameter, "T38FaxMaxDatagram", fax.mxDgram, UINT_MAX);
-    // A flag may stand without a value.
+    // A flag without a value is set.
     Parameter flag = parameter;
     flag.value = parameter.value.empty() ? "1" : parameter.value;
     take(flag, "T38FaxFillBitRemoval", fax.fillBit, 1);
     take(flag, "T38FaxTranscodingMMR", fax.transMMR, 1);
     take(flag, "T38FaxTranscodingJBIG", fax.transJBIG, 1);
-    if (same(parameter.name, "T38FaxRateManagement")) {
-        const int is_local = word(parameter, {"transferredTCF", "localTCF"},
-                                  "the rate management is neither of T.38's two");
-        fax.rateMgt = is_local != 0 ? RM_LOCALTCF : RM_TRFTCF;
-    }
-    if (same(parameter.name, "T38FaxUdpEC")) {
-        fax.errCorr =
-            static_cast<unsigned>(word(parameter, {"t38UDPNoEC", "t38UDPRedundancy", "t38UDPFEC"},
-                                       "the error correction is none of T.38's three"));
-    }
+    take(parameter, "T38FaxRateManagement", fax.rateMgt, {"transferredTCF", "localTCF"}, RM_TRFTCF);
+    take(parameter, "T38FaxUdpEC", fax.errCorr, {"t38UDPNoEC", "t38UDPRedundancy", "t38UDPFEC"});
 }
 
-void read_annex(const Parameter& parameter, std::string_view annex, bool& vad) {
-    if (same(parameter.name, annex)) {
-        vad = word(parameter, {"no", "yes"}, std::string(annex) + " is neither yes nor no") != 0;
-    }
+void read_annex(const Parameter& parameter, const char* annex, bool& vad) {
+    take(parameter, annex, vad, {"no", "yes"});
 }
 
 }  // namespace sdp

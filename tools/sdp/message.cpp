@@ -12,30 +12,27 @@
 #include <string_view>
 #include <vector>
 
-#include "sdp/text.h"
+#include "sdp/diagnostics.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-constexpr int deepest = 8;  // bodies in bodies
+constexpr int max_depth = 8;  // of bodies inside bodies
 
-bool begins_with(std::string_view text, std::string_view beginning) {
-    return same(text.substr(0, beginning.size()), beginning);
-}
-
-// The first line of a text, without its end.
+// Returns the first line of a text, without its line ending.
 std::string_view first_line(std::string_view text) {
     return text.substr(0, text.find_first_of("\r\n"));
 }
 
-// Where the next line begins.
+// Returns the offset of the next line.
 std::size_t next_line(std::string_view text, std::size_t at) {
     const std::size_t end = text.find('\n', at);
     return end == std::string_view::npos ? text.size() : end + 1;
 }
 
-// How many lines a text has, as Description counts them.
+// Counts lines as Description does.
 std::size_t count_lines(std::string_view text) {
     std::size_t count = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -46,7 +43,7 @@ std::size_t count_lines(std::string_view text) {
     return count;
 }
 
-// What stands before a body, down to the empty line.
+// Returns the headers before a body, with the empty line after them.
 std::string_view head_of(std::string_view text) {
     std::size_t at = 0;
     while (at < text.size() && !first_line(text.substr(at)).empty()) {
@@ -55,9 +52,9 @@ std::string_view head_of(std::string_view text) {
     return text.substr(0, next_line(text, at));
 }
 
-// What headers tell of their body.
+// What headers say about their body.
 struct Content {
-    bool is_of_message = false;  // a SIP request or response
+    bool is_of_message = false;  // the headers of a SIP request or response
     std::string type;
     std::string boundary;
     std::optional<std::size_t> length;
@@ -88,8 +85,8 @@ Content content_of(const std::string& head) {
     return content;
 }
 
-// The parts of a multipart body (RFC 2046). sofia-sip's parser of these aborts the program at a
-// header that it cannot read.
+// Returns the parts of a multipart body (RFC 2046). sofia-sip's parser for these aborts the program
+// at a header that it cannot parse.
 std::vector<std::string_view> parts_of(std::string_view body, const std::string& boundary) {
     const std::string delimiter = "--" + boundary;
     std::vector<std::string_view> parts;
@@ -99,7 +96,7 @@ std::vector<std::string_view> parts_of(std::string_view body, const std::string&
         const std::string_view line = trimmed(first_line(body.substr(at)));
         const bool is_last = line == delimiter + "--";
         if (is_last || line == delimiter) {
-            if (begin) {  // the line end before the delimiter belongs to it
+            if (begin) {  // the line ending before the delimiter belongs to it
                 std::string_view part = body.substr(*begin, at - *begin);
                 for (const char end : {'\n', '\r'}) {
                     part.remove_suffix(!part.empty() && part.back() == end ? 1 : 0);
@@ -119,12 +116,13 @@ std::vector<std::string_view> parts_of(std::string_view body, const std::string&
     return parts;
 }
 
-// The description in a body; nothing when there is none.
+// Returns the description in a body; nullopt if there is none.
 std::optional<std::string_view> find_in(const Content& content, std::string_view body, int depth) {
     if (same(content.type, "application/sdp")) {
         return body;
     }
-    if (!begins_with(content.type, "multipart/") || content.boundary.empty() || depth == deepest) {
+    if (!starts_with(content.type, "multipart/") || content.boundary.empty() ||
+        depth == max_depth) {
         return std::nullopt;
     }
     for (const std::string_view part : parts_of(body, content.boundary)) {
@@ -144,26 +142,26 @@ Found find_description(const std::string& text) {
     const std::string_view version = "SIP/2.0";
     Content content;
     std::string_view body = text;
-    if (begins_with(first, "--")) {
+    if (starts_with(first, "--")) {
         content = {false, "multipart/mixed", std::string(first.substr(2)), std::nullopt};
-    } else if (begins_with(first, version) ||
+    } else if (starts_with(first, version) ||
                same(first.substr(first.size() - std::min(first.size(), version.size())), version)) {
-        // The head alone: with a length beyond the end the parser would give no body.
+        // Without the body: if Content-Length is too large, the parser returns no body.
         const std::string_view head = head_of(text);
         content = content_of(std::string(head));
         if (!content.is_of_message) {
-            throw Refusal(1, "the SIP message cannot be read");
+            throw Refusal(1, "cannot parse the SIP message");
         }
         body.remove_prefix(head.size());
         const std::string_view whole = body.substr(0, content.length.value_or(body.size()));
-        // More may follow. A length that cuts a line does not hold.
+        // More text can follow the body. A length that cuts a line is wrong.
         body = !whole.empty() && whole.back() != '\n' ? body : whole;
     } else {
         return {text};
     }
     const auto part = find_in(content, body, 0);
     if (!part) {
-        throw Refusal(0, "no part of it is of type application/sdp");
+        throw Refusal(0, "no body of type application/sdp");
     }
     const auto at = static_cast<std::size_t>(part->data() - text.data());
     return {std::string(*part), count_lines(std::string_view(text).substr(0, at)), true};

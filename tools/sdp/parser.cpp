@@ -1,20 +1,29 @@
 #include "sdp/parser.h"
 
+#include <sofia-sip/sdp.h>
+
 #include <algorithm>
 #include <climits>
+#include <memory>
 #include <set>
 #include <string>
+#include <string_view>
+
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-// That every line has an address, and which direction, the reader decides.
+// The reader decides about missing addresses and about directions.
 constexpr int parser_flags = sdp_f_c_missing | sdp_f_mode_manual;
 
+struct FreeParser {
+    void operator()(sdp_parser_t* parser) const { sdp_parser_free(parser); }
+};
 using Parser = std::unique_ptr<sdp_parser_t, FreeParser>;
 
-Parser parse_text(std::string_view text, int flags) {
+Parser parse_text(std::string_view text, int flags = parser_flags) {
     return Parser(sdp_parse(nullptr, text.data(), static_cast<issize_t>(text.size()), flags));
 }
 
@@ -22,16 +31,16 @@ std::string refusal_of(const Line& line) {
     return std::string("the SDP parser refuses this ") + line.type + "= line";
 }
 
-// --- Lines that are left out --------------------------------------------------------------------
+// --- Lines that are ignored ---------------------------------------------------------------------
 
-using LeftOut = std::set<const Line*>;
+using Lines = std::set<const Line*>;
 
 // a=rtpmap:<payload type> <name>/<clock rate>[/<parameters>]
 void check_rtpmap(const Line& line) {
     const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-    needed_payload_type(line.number, "a=rtpmap", fields[0]);
+    required_payload_type(line.number, "a=rtpmap", fields[0]);
     if (fields.size() != 2) {
-        throw Refusal(line.number, "a=rtpmap: the name is missing");
+        throw Refusal(line.number, "a=rtpmap: the encoding name is missing");
     }
     const std::vector<std::string_view> parts = split(fields[1], "/", 3);
     const std::vector<std::string_view> rate =
@@ -39,28 +48,28 @@ void check_rtpmap(const Line& line) {
     if (rate.empty()) {
         throw Refusal(line.number, "a=rtpmap: the clock rate is missing");
     }
-    needed_number(line.number, "a=rtpmap: clock rate", rate[0], UINT_MAX);
+    required_number(line.number, "a=rtpmap clock rate", rate[0], UINT_MAX);
 }
 
-// Whether the parser takes a line without the others around it. Throws Refusal.
+// Throws Refusal if the parser refuses a line without the others around it.
 void check_alone(const Line& line, std::string_view content, bool in_media) {
     std::string text = "v=0\r\no=- 1 1 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n";
     text += in_media ? "m=audio 9 RTP/AVP 0\r\n" : "";
     text.append(content).append("\r\n");
-    if (sdp_session(parse_text(text, parser_flags).get()) == nullptr) {
+    if (sdp_session(parse_text(text).get()) == nullptr) {
         throw Refusal(line.number, refusal_of(line));
     }
 }
 
-// Where the check of a line throws, the line is left out, with a warning.
+// Ignores the lines that a check refuses, with a warning.
 template <class Check>
-void leave_out(const Description& description, Parsed& parsed, LeftOut& left_out, Check check) {
+void ignore(const Description& description, Parsed& parsed, Lines& ignored, Check check) {
     for (std::size_t i = 0; i < description.sections.size(); ++i) {
         const Section& section = description.sections[i];
         for (const Line& line : section) {
-            if (left_out.count(&line) == 0 &&
-                !tolerate(parsed.warnings[i], [&] { check(line, section); })) {
-                left_out.insert(&line);
+            if (ignored.count(&line) == 0 &&
+                !warn_of_refusal(parsed.warnings[i], [&] { check(line, section); })) {
+                ignored.insert(&line);
             }
         }
     }
@@ -70,7 +79,7 @@ void leave_out(const Description& description, Parsed& parsed, LeftOut& left_out
 
 struct LineEnd {
     const Line* line;
-    std::size_t size;  // of the text up to here
+    std::size_t size;  // of the text up to and including the line
 };
 
 struct Input {
@@ -78,13 +87,14 @@ struct Input {
     std::vector<LineEnd> ends;
 };
 
-// The text as the parser gets it: no blank lines, at which it would stop in silence, no outer
-// blanks, and every RTP profile called RTP/AVP, as it reads payloads of few others.
-Input parser_input(const Description& description, const LeftOut& left_out) {
+// The text for the parser has no blank lines, because the parser stops at them without an error,
+// and no blanks at the ends of lines. Every RTP profile becomes RTP/AVP: the parser reads the
+// payloads of few others.
+Input parser_input(const Description& description, const Lines& ignored) {
     Input input;
     for (const Section& section : description.sections) {
         for (const Line& line : section) {
-            if (left_out.count(&line) != 0) {
+            if (ignored.count(&line) != 0) {
                 continue;
             }
             const std::string_view content = trimmed(description.content(line));
@@ -104,7 +114,7 @@ Input parser_input(const Description& description, const LeftOut& left_out) {
     return input;
 }
 
-// The parser names no line: it is the one that ends the shortest refused part of the text.
+// The parser does not name the line: it is the last one of the shortest text that is refused.
 [[noreturn]] void refuse(const Input& input) {
     const auto refused =
         std::partition_point(input.ends.begin(), input.ends.end(), [&input](const LineEnd& end) {
@@ -113,7 +123,7 @@ Input parser_input(const Description& description, const LeftOut& left_out) {
             return sdp_session(part.get()) != nullptr;
         });
     if (refused == input.ends.end()) {
-        throw Refusal(0, "the SDP parser refuses the description as a whole");
+        throw Refusal(0, "the SDP parser refuses the description");
     }
     const Line& line = *refused->line;
     const std::size_t fields = tokens(line.value).size();
@@ -121,67 +131,70 @@ Input parser_input(const Description& description, const LeftOut& left_out) {
         throw Refusal(line.number, "o= needs six fields and has " + std::to_string(fields));
     }
     if (line.type == 'c') {
-        connection_address(line);  // throws too, and may name the cause
+        connection_address(line);  // throws the cause, if it knows it
     }
     throw Refusal(line.number, refusal_of(line));
+}
+
+// --- From sofia-sip's types ----------------------------------------------------------------------
+
+std::string text_of(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
+std::vector<Payload> payloads_of(const sdp_media_t& media) {
+    std::vector<Payload> payloads;
+    for (const sdp_rtpmap_t* map = media.m_rtpmaps; map != nullptr; map = map->rm_next) {
+        if (std::none_of(payloads.begin(), payloads.end(),
+                         [map](const Payload& earlier) { return earlier.type == map->rm_pt; })) {
+            payloads.push_back({map->rm_pt, text_of(map->rm_encoding), map->rm_rate,
+                                text_of(map->rm_params), map->rm_predef == 0});
+        }
+    }
+    return payloads;
 }
 
 }  // namespace
 
 Parsed parse(const Description& description) {
-    Parsed parsed;
+    Parsed parsed = {};
     parsed.warnings.resize(description.sections.size());
-    LeftOut left_out;
-    leave_out(description, parsed, left_out, [](const Line& line, const Section& section) {
+    Lines ignored;
+    ignore(description, parsed, ignored, [](const Line& line, const Section& section) {
         if (same(line.name, "rtpmap") && section.front().type == 'm' &&
             media_line(section.front()).is_rtp) {
             check_rtpmap(line);
         }
     });
-    const auto parse_input = [&] {
-        Input input = parser_input(description, left_out);
-        parsed.parser = parse_text(input.text, parser_flags);
-        return input;
-    };
-    parse_input();
-    if (sdp_session(parsed.parser.get()) == nullptr) {
-        leave_out(description, parsed, left_out, [&](const Line& line, const Section& section) {
-            // The model needs the other kinds of lines, or the parser takes any such line.
+    Parser parser = parse_text(parser_input(description, ignored).text);
+    if (sdp_session(parser.get()) == nullptr) {
+        ignore(description, parsed, ignored, [&](const Line& line, const Section& section) {
+            // The model needs the other types of lines, or the parser accepts any such line.
             if (std::string_view("abkrtz").find(line.type) != std::string_view::npos) {
                 check_alone(line, trimmed(description.content(line)), section.front().type == 'm');
             }
         });
-        const Input input = parse_input();
-        if (sdp_session(parsed.parser.get()) == nullptr) {
+        const Input input = parser_input(description, ignored);
+        parser = parse_text(input.text);
+        if (sdp_session(parser.get()) == nullptr) {
             refuse(input);
         }
     }
-    const sdp_media_t* media = sdp_session(parsed.parser.get())->sdp_media;
+    const sdp_session_t& session = *sdp_session(parser.get());
+    parsed.origin = {session.sdp_origin->o_id, session.sdp_origin->o_version};
+    const sdp_mode_t session_mode = sdp_attribute_mode(session.sdp_attributes, sdp_sendrecv);
+    const sdp_media_t* media = session.sdp_media;
     for (auto section = description.sections.begin() + 1; section != description.sections.end();
-         ++section) {
+         ++section, media = media->m_next) {
         const Line& line = section->front();
         if (media == nullptr || media->m_port != media_line(line).port) {
-            throw Refusal(line.number, "the SDP parser reads this line otherwise");
+            throw Refusal(line.number, "the SDP parser disagrees about this line");
         }
-        media = media->m_next;
+        const unsigned mode = sdp_attribute_mode(media->m_attributes, session_mode);
+        parsed.media.push_back(
+            {(mode & sdp_sendonly) != 0, (mode & sdp_recvonly) != 0, payloads_of(*media)});
     }
     return parsed;
-}
-
-std::string_view text_of(const char* text) {
-    return text == nullptr ? std::string_view() : std::string_view(text);
-}
-
-std::vector<const sdp_rtpmap_t*> payloads_of(const sdp_media_t& media) {
-    std::vector<const sdp_rtpmap_t*> payloads;
-    for (const sdp_rtpmap_t* map = media.m_rtpmaps; map != nullptr; map = map->rm_next) {
-        if (std::none_of(payloads.begin(), payloads.end(), [map](const sdp_rtpmap_t* earlier) {
-                return earlier->rm_pt == map->rm_pt;
-            })) {
-            payloads.push_back(map);
-        }
-    }
-    return payloads;
 }
 
 }  // namespace sdp

@@ -1,36 +1,30 @@
-// sofia-sip's parser. It decides what is SDP, names the media and payloads and gives the
-// directions.
+// sofia-sip's parser, without its types. It decides what is valid SDP, names the payloads and gives
+// the directions.
 
 #ifndef QOVA_TOOLS_SDP_PARSER_H
 #define QOVA_TOOLS_SDP_PARSER_H
 
-#include <sofia-sip/sdp.h>
-
-#include <memory>
-#include <string_view>
 #include <vector>
 
 #include "sdp/text.h"
 
 namespace sdp {
 
-struct FreeParser {
-    void operator()(sdp_parser_t* parser) const { sdp_parser_free(parser); }
+// A media line.
+struct ParsedMedia {
+    bool sends;  // its direction, or the session's
+    bool receives;
+    std::vector<Payload> payloads;  // of RTP; each payload type once
 };
+
 struct Parsed {
-    std::unique_ptr<sdp_parser_t, FreeParser> parser;  // has a sdp_session()
-    std::vector<std::vector<Warning>> warnings;        // of each section: the lines left out
+    Origin origin;
+    std::vector<ParsedMedia> media;     // one for each media line
+    std::vector<Diagnostics> warnings;  // for each section: the lines that the parser ignores
 };
 
-// The session has a media for each m= line. Lines that the parser refuses and the model does not
-// need are left out. Throws Refusal.
+// Ignores the lines that the parser refuses and the model does not need. Throws Refusal.
 Parsed parse(const Description& description);
-
-// One of the parser's texts, which are null where there is none.
-std::string_view text_of(const char* text);
-
-// The payloads of an m= line; one that stands there twice counts once.
-std::vector<const sdp_rtpmap_t*> payloads_of(const sdp_media_t& media);
 
 }  // namespace sdp
 

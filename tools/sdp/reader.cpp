@@ -2,30 +2,35 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "qova/attributes.h"
 #include "qova/media.h"
+#include "qova/ownership.h"
 #include "sdp/audio.h"
 #include "sdp/crypto.h"
 #include "sdp/formats.h"
-#include "sdp/media.h"
 #include "sdp/parser.h"
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-// a=silenceSupp (RFC 3108); its first value says whether it is on. The last such line counts.
+// Returns true for "on" and false for "off", the first value of a=silenceSupp (RFC 3108). The last
+// line counts.
 std::optional<bool> silence_suppression(const Section& section) {
     std::optional<bool> found;
     for (const Line& line : section) {
         if (same(line.name, "silenceSupp")) {
             const std::string_view value = split(line.value, blanks).front();
-            const bool on = same(value, "on");
-            if (on || same(value, "off")) {
-                found = on;
-            } else {
-                found.reset();
+            const bool is_on = same(value, "on");
+            found.reset();
+            if (is_on || same(value, "off")) {
+                found = is_on;
             }
         }
     }
@@ -42,57 +47,53 @@ QOVA_FaxTransport fax_transport(std::string_view transport) {
 }
 
 void read_fax(std::string_view transport, const Section& section, QOVA_Media& media,
-              std::vector<Warning>& warnings) {
-    auto& fax = append_attribute<QOVA_FaxAttribute>(media, QOVA_Media::AT_FAX);
+              Diagnostics& warnings) {
+    auto& fax = qova::append<QOVA_FaxAttribute>(media.attributes);
     fax.transport = fax_transport(transport);
     for (const Line& line : section) {
-        tolerate(warnings, [&] { read_t38({line.number, line.name, line.value}, fax); });
+        warn_of_refusal(warnings, [&] { read_t38({line.number, line.name, line.value}, fax); });
     }
 }
 
-void read_video(const sdp_media_t& parsed, const Section& section, QOVA_Media& media,
-                std::vector<Warning>& warnings) {
+void read_video(const ReadLine& line, const Section& section, Diagnostics& warnings) {
     fmtps_of(section, warnings);
-    for (std::size_t i = payloads_of(parsed).size(); i != 0; --i) {
-        append_attribute<QOVA_VideoAttribute>(media, QOVA_Media::AT_VIDEO);
+    for (std::size_t i = line.payloads.size(); i != 0; --i) {
+        qova::append<QOVA_VideoAttribute>(line.media->attributes);
     }
 }
 
-void read_data(const sdp_media_t& parsed, QOVA_Media& media) {
-    for (const sdp_rtpmap_t* payload : payloads_of(parsed)) {
-        append_attribute<QOVA_DataAttribute>(media, QOVA_Media::AT_DATA).type =
-            static_cast<int>(payload->rm_pt);
+void read_data(const ReadLine& line, bool is_rtp) {
+    for (const Payload& payload : line.payloads) {
+        qova::append<QOVA_DataAttribute>(line.media->attributes).type =
+            static_cast<int>(payload.type);
     }
-    for (const sdp_list_t* format = parsed.m_format; format != nullptr; format = format->l_next) {
-        append_attribute<QOVA_DataAttribute>(media, QOVA_Media::AT_DATA);
+    for (std::size_t i = is_rtp ? 0 : line.formats.size(); i != 0; --i) {
+        qova::append<QOVA_DataAttribute>(line.media->attributes);
     }
 }
 
 // --- Media --------------------------------------------------------------------------------------
 
-QOVA_Media::e_MediaType kind_of(const MediaLine& line, sdp_media_e type) {
-    const auto is_t38 = [](std::string_view format) { return same(format, "t38"); };
-    switch (type) {
-        case sdp_media_audio:
-            return line.is_rtp ? QOVA_Media::MT_AUDIO : QOVA_Media::MT_NIL;
-        case sdp_media_video:
-            return line.is_rtp ? QOVA_Media::MT_VIDEO : QOVA_Media::MT_NIL;
-        case sdp_media_image:
-            return fax_transport(line.transport) != FT_NIL &&
-                           std::any_of(line.formats.begin(), line.formats.end(), is_t38)
-                       ? QOVA_Media::MT_FAX
-                       : QOVA_Media::MT_NIL;
-        case sdp_media_application:
-        case sdp_media_message:
-        case sdp_media_data:
-            return QOVA_Media::MT_DATA;
-        default:
-            return QOVA_Media::MT_NIL;
+QOVA_Media::e_MediaType type_of(const MediaLine& line) {
+    const auto is = [&line](std::string_view type) { return same(line.type, type); };
+    if (is("audio") || is("video")) {
+        return !line.is_rtp  ? QOVA_Media::MT_NIL
+               : is("audio") ? QOVA_Media::MT_AUDIO
+                             : QOVA_Media::MT_VIDEO;
     }
+    if (is("image")) {
+        return fax_transport(line.transport) != FT_NIL &&
+                       std::any_of(line.formats.begin(), line.formats.end(),
+                                   [](std::string_view format) { return same(format, "t38"); })
+                   ? QOVA_Media::MT_FAX
+                   : QOVA_Media::MT_NIL;
+    }
+    return is("application") || is("message") || is("data") ? QOVA_Media::MT_DATA
+                                                            : QOVA_Media::MT_NIL;
 }
 
 void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media& media,
-                std::vector<Warning>& warnings) {
+                Diagnostics& warnings) {
     media.mediaStatus = media_line.port == 0 ? QOVA_Media::MS_REJECTED : QOVA_Media::MS_ACCEPTED;
     if (media_line.port == 0) {
         return;
@@ -104,23 +105,23 @@ void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media&
     }
     for (const Line& attribute : section) {
         if (same(attribute.name, "rtcp")) {
-            tolerate(warnings, [&] {
+            warn_of_refusal(warnings, [&] {
                 rtcp_line(attribute);
                 rtcp_address(attribute);
                 if (&attribute != rtcp) {
-                    throw Refusal(attribute.number, "the media has a second a=rtcp line");
+                    throw Refusal(attribute.number, "duplicate a=rtcp line");
                 }
             });
         }
     }
     if (media_line.port + media_line.more_ports > USHRT_MAX) {
-        throw Refusal(section.front().number, "the ports run beyond 65535");
+        throw Refusal(section.front().number, "the ports exceed 65535");
     }
     media.sndPort = media.rcvPort = static_cast<unsigned short>(media_line.port);
     media.sndPort2 = media.rcvPort2 = static_cast<unsigned short>(rtcp_port);
 }
 
-// Throws HostName for a host name; the address stays unspecified then.
+// Throws HostName for a host name, and leaves the address unspecified.
 void read_address(const Line* of_session, const Section& section, QOVA_Media& media) {
     const Line* const own = first_connection(section);
     const Line* const line = own != nullptr ? own : of_session;
@@ -128,123 +129,135 @@ void read_address(const Line* of_session, const Section& section, QOVA_Media& me
         if (media.mediaStatus == QOVA_Media::MS_REJECTED) {
             return;
         }
-        throw Refusal(section.front().number, "no c= line gives this media an address");
+        throw Refusal(section.front().number, "the media line has no address: c= is missing");
     }
-    set_address(media, connection_address(*line).address);
+    qova::replace(media.address,
+                  std::unique_ptr<INetAddress>(connection_address(*line).address.Copy()));
 }
 
 // What the session says for the lines that do not say it themselves.
 struct SessionDefaults {
     const Line* connection;
-    std::optional<bool> silence;
-    sdp_mode_t mode;
+    std::optional<bool> silence_suppression;
 };
 
-// Reads a line of a known kind; the media is new.
-void read_media(const SessionDefaults& defaults, const MediaLine& line, const Section& section,
-                const sdp_media_t& parsed, ReadLine& to, std::vector<Warning>& warnings) {
-    QOVA_Media& media = *to.media;
-    read_ports(line, section, media, warnings);
-    const bool has_address =
-        tolerate<HostName>(warnings, [&] { read_address(defaults.connection, section, media); });
-    const unsigned mode = sdp_attribute_mode(parsed.m_attributes, defaults.mode);
-    media.bsnd = (mode & sdp_sendonly) != 0;
-    media.brcv = (mode & sdp_recvonly) != 0;
-    if (media.mediaType == QOVA_Media::MT_AUDIO) {
-        const std::optional<bool> silence = silence_suppression(section);
-        to.payloads =
-            read_audio(parsed, section, silence ? silence : defaults.silence, media, warnings);
-    } else if (media.mediaType == QOVA_Media::MT_FAX) {
-        read_fax(line.transport, section, media, warnings);
-    } else if (media.mediaType == QOVA_Media::MT_VIDEO) {
-        read_video(parsed, section, media, warnings);
-    } else {
-        read_data(parsed, media);
-    }
+void read_cryptos(const Section& section, ReadLine& line, Diagnostics& warnings) {
+    QOVA_Media& media = *line.media;
     for (const Line& attribute : section) {
         if (same(attribute.name, "crypto")) {
-            tolerate(warnings, [&] {
-                const QOVA_Crypto& crypto = append(media.cryptos, read_crypto(attribute));
+            warn_of_refusal(warnings, [&] {
+                const QOVA_Crypto& crypto = qova::append(media.cryptos, read_crypto(attribute));
                 ++media.cryptoCount;
                 if (!needs_session_parameter(attribute)) {
-                    to.cryptos.push_back(&crypto);
+                    line.cryptos.push_back(&crypto);
                 }
             });
         }
     }
+}
+
+// Fills the new media of a line.
+void read_media(const SessionDefaults& defaults, const MediaLine& media_line,
+                const Section& section, const ParsedMedia& parsed, ReadLine& line,
+                Diagnostics& warnings) {
+    QOVA_Media& media = *line.media;
+    read_ports(media_line, section, media, warnings);
+    const bool has_address = warn_of_refusal<HostName>(
+        warnings, [&] { read_address(defaults.connection, section, media); });
+    media.bsnd = parsed.sends;
+    media.brcv = parsed.receives;
+    QOVA_Media::e_AttributeType attribute_type = QOVA_Media::AT_DATA;
+    if (media.mediaType == QOVA_Media::MT_AUDIO) {
+        attribute_type = QOVA_Media::AT_AUDIO;
+        const std::optional<bool> own = silence_suppression(section);
+        read_audio(line.payloads, section, own ? own : defaults.silence_suppression, media,
+                   warnings);
+    } else if (media.mediaType == QOVA_Media::MT_FAX) {
+        attribute_type = QOVA_Media::AT_FAX;
+        read_fax(media_line.transport, section, media, warnings);
+    } else if (media.mediaType == QOVA_Media::MT_VIDEO) {
+        attribute_type = QOVA_Media::AT_VIDEO;
+        read_video(line, section, warnings);
+    } else {
+        read_data(line, media_line.is_rtp);
+    }
+    for (QOVA_MediaAttribute* const attribute : media.attributes) {
+        attribute->attributeType = attribute_type;
+        attribute->status = media.mediaStatus;
+    }
+    read_cryptos(section, line, warnings);
     // At the discard port no candidate is known yet (RFC 8838, RFC 8840), or the line will connect
     // (RFC 4145).
     constexpr unsigned short discard_port = 9;
-    to.holds = !media.brcv ||
-               (has_address && media.address->IsAny() != 0 && media.rcvPort != discard_port);
+    line.holds = !media.brcv ||
+                 (has_address && media.address->IsAny() != 0 && media.rcvPort != discard_port);
 }
 
-// By their lines, each once: several media may read the same line of the session.
-void sort(std::vector<Warning>& warnings) {
-    std::stable_sort(
-        warnings.begin(), warnings.end(),
-        [](const Warning& left, const Warning& right) { return left.line < right.line; });
-    const auto is_same = [](const Warning& left, const Warning& right) {
+// Sorts the warnings and leaves one of each: several media can read the same line of the session.
+void sort_and_merge(Diagnostics& warnings) {
+    sort(warnings);
+    const auto is_same = [](const Diagnostic& left, const Diagnostic& right) {
         return left.line == right.line && left.message == right.message;
     };
     warnings.erase(std::unique(warnings.begin(), warnings.end(), is_same), warnings.end());
+}
+
+ReadLine read_line(const MediaLine& line, const Section& section, std::vector<Payload> payloads) {
+    ReadLine result;
+    result.number = section.front().number;
+    result.type = line.type;
+    result.transport = line.transport;
+    result.formats.assign(line.formats.begin(), line.formats.end());
+    result.payloads = std::move(payloads);
+    result.is_rejected = line.port == 0;
+    result.suppresses_silence = silence_suppression(section).value_or(false);
+    return result;
 }
 
 }  // namespace
 
 Reading read(const Description& description, Role role, Strictness strictness) {
     Parsed parsed = parse(description);
-    const std::shared_ptr<sdp_parser_t> parser = std::move(parsed.parser);
     const Section& session = description.sections.front();
+    const SessionDefaults defaults = {first_connection(session), silence_suppression(session)};
     Reading reading;
-    reading.session = {parser, sdp_session(parser.get())};
-    const SessionDefaults defaults = {
-        first_connection(session), silence_suppression(session),
-        sdp_attribute_mode(reading.session->sdp_attributes, sdp_sendrecv)};
-    reading.suppresses_silence = defaults.silence.value_or(false);
-    reading.warnings = std::move(parsed.warnings.front());
+    reading.origin = parsed.origin;
+    reading.suppresses_silence = defaults.silence_suppression.value_or(false);
+    reading.diagnostics = std::move(parsed.warnings.front());
     reading.capability = std::make_unique<QOVA_Capability>();
     QOVA_Capability& capability = *reading.capability;
     capability.offer = role == Role::OFFER;
     capability.silenceSuppSdp = reading.suppresses_silence;
     bool has_audio = false;
     bool is_held = true;
-    const sdp_media_t* parsed_media = reading.session->sdp_media;
-    for (auto section = description.sections.begin() + 1; section != description.sections.end();
-         ++section, parsed_media = parsed_media->m_next) {
-        const MediaLine line = media_line(section->front());
-        ReadLine& to = reading.lines.emplace_back();
-        to.number = section->front().number;
-        to.kind = line.kind;
-        to.transport = line.transport;
-        to.is_rejected = line.port == 0;
-        to.formats.assign(line.formats.begin(), line.formats.end());
-        to.suppresses_silence = silence_suppression(*section).value_or(false);
-        capability.silenceSuppSdp |= to.suppresses_silence;
-        const QOVA_Media::e_MediaType kind = kind_of(line, parsed_media->m_type);
-        if (kind == QOVA_Media::MT_NIL) {
-            capability.passThrough += without_keys(description, *section);
+    for (std::size_t i = 0; i < parsed.media.size(); ++i) {
+        const Section& section = description.sections[i + 1];
+        const MediaLine parsed_line = media_line(section.front());
+        ReadLine& line = reading.lines.emplace_back(
+            read_line(parsed_line, section, std::move(parsed.media[i].payloads)));
+        capability.silenceSuppSdp |= line.suppresses_silence;
+        const QOVA_Media::e_MediaType type = type_of(parsed_line);
+        if (type == QOVA_Media::MT_NIL) {
+            capability.passThrough += without_keys(description, section);
             continue;
         }
-        QOVA_Media& media = append(capability.filteredMedia, std::make_unique<QOVA_Media>());
-        media.mediaType = kind;
-        to.media = &media;
-        std::vector<Warning>& warnings =
-            parsed.warnings[static_cast<std::size_t>(section - description.sections.begin())];
-        read_media(defaults, line, *section, *parsed_media, to, warnings);
-        if (media.mediaStatus == QOVA_Media::MS_REJECTED) {
-            continue;  // its attributes carry no meaning
+        line.media = &qova::append<QOVA_Media>(capability.filteredMedia);
+        line.media->mediaType = type;
+        Diagnostics& warnings = parsed.warnings[i + 1];
+        read_media(defaults, parsed_line, section, parsed.media[i], line, warnings);
+        if (line.is_rejected) {
+            continue;  // its attributes have no meaning
         }
-        reading.warnings.insert(reading.warnings.end(), warnings.begin(), warnings.end());
-        if (kind == QOVA_Media::MT_AUDIO) {
+        std::move(warnings.begin(), warnings.end(), std::back_inserter(reading.diagnostics));
+        if (type == QOVA_Media::MT_AUDIO) {
             has_audio = true;
-            is_held = is_held && to.holds;
+            is_held = is_held && line.holds;
         }
     }
     capability.hold = has_audio && is_held;
-    sort(reading.warnings);
-    if (strictness == Strictness::STRICT && !reading.warnings.empty()) {
-        throw Refusal(reading.warnings.front().line, reading.warnings.front().message);
+    sort_and_merge(reading.diagnostics);
+    if (strictness == Strictness::STRICT && !reading.diagnostics.empty()) {
+        throw Refusal(reading.diagnostics.front().line, reading.diagnostics.front().message);
     }
     return reading;
 }

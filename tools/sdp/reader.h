@@ -1,54 +1,67 @@
-// Reads a session description (RFC 4566) into a QOVA_Capability.
-//
-// Attributes with values are read from their own lines: the parser drops fmtp lines that are broken
-// or repeated, and it knows no line numbers.
-//
-// README.md has the table of what becomes of what.
+/// @file
+/// Reads a session description (RFC 4566) into a QOVA_Capability. README.md has the mapping.
 
 #ifndef QOVA_TOOLS_SDP_READER_H
 #define QOVA_TOOLS_SDP_READER_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "qova/capability.h"
 #include "qova/crypto.h"
+#include "sdp/diagnostics.h"
 #include "sdp/text.h"
-
-struct sdp_session_s;  // sofia-sip's
 
 namespace sdp {
 
+/// Which side of RFC 3264's exchange a description is.
 enum class Role { OFFER, ANSWER };
 
-// A value that the model cannot take: it gets a warning, or the description is refused for it.
-enum class Strictness { LENIENT, STRICT };
+/// What happens to a value that the model cannot hold.
+enum class Strictness {
+    LENIENT,  ///< The member keeps its default, and there is a warning.
+    STRICT    ///< The description is refused, with the message of the first warning.
+};
 
-// A media line, and what the model does not hold of it.
+/// A media line, and what the model does not hold of it.
 struct ReadLine {
-    std::size_t number = 0;  // of its m= line
-    std::string kind;        // with the next two, what m= says but for the port, as it came
-    std::string transport;
-    std::vector<std::string> formats;
+    std::size_t number = 0;            ///< The number of its m= line.
+    std::string type;                  ///< Such as "audio"; this and the next two as in the text.
+    std::string transport;             ///< Such as "RTP/AVP".
+    std::vector<std::string> formats;  ///< Such as "8".
+    std::vector<Payload> payloads;     ///< Of RTP, in their order; each payload type once.
 
-    QOVA_Media* media = nullptr;  // the capability's; null: passed through
-    bool is_rejected = false;     // port 0
-    bool holds = false;           // asks to be sent nothing: by its direction, or its address
-    bool suppresses_silence = false;
-    std::vector<unsigned> payloads;           // the payload type of each audio attribute
-    std::vector<const QOVA_Crypto*> cryptos;  // the media's that need no session parameter
+    /// The line in the capability, which owns it; null if the line is in
+    /// QOVA_Capability::passThrough.
+    QOVA_Media* media = nullptr;
+
+    bool is_rejected = false;         ///< Its port is 0.
+    bool holds = false;               ///< Asks for no media, by its direction or its address.
+    bool suppresses_silence = false;  ///< Has a=silenceSupp:on.
+
+    /// The media's cryptos without a mandatory session parameter, borrowed.
+    std::vector<const QOVA_Crypto*> cryptos;
 };
 
+/// A description that was read. It does not point into the text.
 struct Reading {
-    std::unique_ptr<QOVA_Capability> capability;
-    bool suppresses_silence = false;  // all of the session
-    std::vector<ReadLine> lines;
-    std::vector<Warning> warnings;                 // in the order of the lines; empty when STRICT
-    std::shared_ptr<const sdp_session_s> session;  // as sofia-sip's parser has it
+    std::unique_ptr<QOVA_Capability> capability;  ///< Never null.
+    Origin origin = {};                           ///< From o=.
+    bool suppresses_silence = false;              ///< The session has a=silenceSupp:on.
+    std::vector<ReadLine> lines;                  ///< One for each media line.
+    Diagnostics diagnostics;                      ///< Warnings; none if the reading is strict.
 };
 
-// Linear in the length of the text. Throws Refusal.
+/// Reads a description. The time is linear in the length of its text, except for a description that
+/// is refused or has warnings: that can take n log n.
+///
+/// Throws Refusal for a description that sofia-sip's parser refuses, for a media line without an
+/// address, and, if `strictness` is STRICT, for the first warning.
+/// @param description the text, which can be freed afterwards
+/// @param role stored in QOVA_Capability::offer
+/// @param strictness what a value does that the model cannot hold
 Reading read(const Description& description, Role role, Strictness strictness);
 
 }  // namespace sdp

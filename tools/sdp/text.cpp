@@ -3,22 +3,19 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <charconv>
 #include <climits>
+
+#include "sdp/strings.h"
 
 namespace sdp {
 
 namespace {
 
-constexpr unsigned long long greatest_port = 65535;
-constexpr unsigned greatest_payload_type = 127;
-constexpr std::size_t most_formats = 128;  // RTP has no room for more payloads
+constexpr unsigned long long max_port = 65535;
+constexpr unsigned max_payload_type = 127;
+constexpr std::size_t max_formats = 128;  // as many as RTP has payload types
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Whether a text holds nothing but the characters of RFC 4566's tokens and given others.
+// Returns true if all characters are token characters (RFC 4566) or in `others`.
 bool consists_of_tokens(std::string_view text, std::string_view others) {
     return std::all_of(text.begin(), text.end(), [others](char c) {
         const bool is_printable = c > ' ' && c < '\x7f';
@@ -28,14 +25,14 @@ bool consists_of_tokens(std::string_view text, std::string_view others) {
     });
 }
 
-// Reads the line whose bytes are content, and that starts and ends at the given offsets.
+// Parses a line without its line ending.
 Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::string_view content) {
     if (content.size() < 2 || content[1] != '=') {
-        throw Refusal(number, "the line is not of the form x=value");
+        throw Refusal(number, "expected a line of the form x=value");
     }
     Line line{number, begin, end, end, content[0], {}, content.substr(2)};
     if (std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos) {
-        throw Refusal(number, "SDP has no such kind of line");
+        throw Refusal(number, "unknown type of line");
     }
     if (line.type == 'a') {
         std::vector<std::string_view> parts = split(line.value, ":", 2);
@@ -47,7 +44,7 @@ Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::stri
     return line;
 }
 
-// What the parser would pass over in silence, or read in a way of its own.
+// Refuses repeated lines, which the parser ignores or reads in its own way.
 void check_order(const std::vector<Section>& sections) {
     bool has_origin = false;
     bool has_connection = false;
@@ -55,10 +52,10 @@ void check_order(const std::vector<Section>& sections) {
         for (const Line& line : section) {
             const bool in_session = &section == &sections.front();
             if (line.type == 'v' && &line != &sections.front().front()) {
-                throw Refusal(line.number, "a second description begins here");
+                throw Refusal(line.number, "a second description starts here");
             }
             if (line.type == 'o' && (has_origin || !in_session)) {
-                throw Refusal(line.number, "o= stands once, before the media");
+                throw Refusal(line.number, "o= is allowed once, before the media lines");
             }
             if (line.type == 'c' && in_session && has_connection) {
                 throw Refusal(line.number, "the session has a second c= line");
@@ -68,20 +65,19 @@ void check_order(const std::vector<Section>& sections) {
         }
     }
     if (!has_origin) {
-        throw Refusal(sections.front().front().number, "no o= line follows");
+        throw Refusal(sections.front().front().number, "the o= line is missing");
     }
 }
 
-// Labels of letters, digits, hyphens and underscores; a last one of digits would be part of an IPv4
-// address.
+// A last label of digits would be part of an IPv4 address.
 bool is_host_name(std::string_view text) {
     const std::vector<std::string_view> labels = split(text, ".");
     return !number(labels.back(), ULLONG_MAX) &&
            std::all_of(labels.begin(), labels.end(), [](std::string_view label) {
                return !label.empty() && label.front() != '-' &&
                       std::all_of(label.begin(), label.end(), [](char c) {
-                          return (lower(c) >= 'a' && lower(c) <= 'z') || (c >= '0' && c <= '9') ||
-                                 c == '-' || c == '_';
+                          return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                 (c >= '0' && c <= '9') || c == '-' || c == '_';
                       });
            });
 }
@@ -95,85 +91,44 @@ AddressField address_field(std::size_t line, const std::string_view* fields) {
     field.suffix = parts.size() == 2;
     const bool is_v6 = same(field.label, "IP6");
     if (!same(fields[0], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
-        throw Refusal(line, "the address is neither IN IP4 nor IN IP6");
+        throw Refusal(line, "expected an address of type IN IP4 or IN IP6");
     }
     if (!IPAddress::Parse(std::string(field.text), field.address)) {
         if (is_host_name(field.text)) {
             throw HostName(line);
         }
-        throw Refusal(line, "the address is neither an IP address nor a host name");
+        throw Refusal(line, "expected an IP address or a host name");
     }
     if ((field.address.Family() == AF_INET6) != is_v6) {
-        throw Refusal(line, "the address is of another family than its label says");
+        throw Refusal(line, "the address does not match its type, IP4 or IP6");
     }
     return field;
 }
 
 }  // namespace
 
-bool same(std::string_view left, std::string_view right) {
-    return left.size() == right.size() &&
-           std::equal(left.begin(), left.end(), right.begin(),
-                      [](char l, char r) { return lower(l) == lower(r); });
-}
-
-std::string_view trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    const std::size_t last = text.find_last_not_of(blanks);
-    return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
-}
-
-std::vector<std::string_view> split(std::string_view text, std::string_view separators,
-                                    std::size_t most) {
-    std::vector<std::string_view> pieces;
-    std::size_t end = text.find_first_of(separators);
-    while (end != std::string_view::npos && pieces.size() + 1 < most) {
-        pieces.push_back(text.substr(0, end));
-        text.remove_prefix(end + 1);
-        end = text.find_first_of(separators);
-    }
-    pieces.push_back(text);
-    return pieces;
-}
-
-std::vector<std::string_view> tokens(std::string_view text) {
-    std::vector<std::string_view> pieces = split(text, blanks);
-    pieces.erase(std::remove(pieces.begin(), pieces.end(), ""), pieces.end());
-    return pieces;
-}
-
-std::optional<unsigned long long> number(std::string_view digits, unsigned long long greatest) {
-    unsigned long long value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc() || stop != end || value > greatest) {
-        return std::nullopt;
-    }
-    return value;
-}
-
-unsigned long long needed_number(std::size_t line, const std::string& what, std::string_view digits,
-                                 unsigned long long greatest) {
-    const auto value = number(digits, greatest);
+unsigned long long required_number(std::size_t line, const std::string& what,
+                                   std::string_view digits, unsigned long long max) {
+    const auto value = number(digits, max);
     if (!value) {
-        throw Refusal(line,
-                      what + ": the value is no number from 0 to " + std::to_string(greatest));
+        throw Refusal(line, what + ": expected a number from 0 to " + std::to_string(max));
     }
     return *value;
 }
 
-unsigned needed_payload_type(std::size_t line, const std::string& what, std::string_view digits) {
-    const auto value = number(digits, ULLONG_MAX);
-    if (!value || *value > greatest_payload_type) {
-        throw Refusal(line, what + (value ? ": the payload type is above 127"
-                                          : ": the payload type is no number"));
+unsigned required_payload_type(std::size_t line, const std::string& what, std::string_view digits) {
+    const auto value = number(digits, max_payload_type);
+    if (!value) {
+        throw Refusal(line, what + ": expected a payload type from 0 to 127");
     }
     return static_cast<unsigned>(*value);
 }
 
+HostName::HostName(std::size_t given_line) : Refusal(given_line, "host names are not resolved") {}
+
 Description::Description(const std::string& whole) : text(whole), sections(1) {
     if (text.substr(0, 3) == "\xef\xbb\xbf") {
-        throw Refusal(1, "a byte-order mark stands before v=");
+        throw Refusal(1, "unexpected byte-order mark before v=");
     }
     std::size_t line_number = 0;
     for (std::size_t begin = 0; begin < text.size();) {
@@ -186,10 +141,10 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
         if (!content.empty()) {
             const bool is_first = sections.front().empty();
             if (is_first && trimmed(content) != "v=0") {
-                throw Refusal(line_number, "no session description: it does not begin with v=0");
+                throw Refusal(line_number, "not a session description: the first line is not v=0");
             }
             if (content.find('\0') != std::string_view::npos) {
-                throw Refusal(line_number, "the line holds a NUL byte");
+                throw Refusal(line_number, "the line contains a NUL byte");
             }
             Line line = make_line(line_number, begin, end, content);
             line.next = next;
@@ -201,7 +156,7 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
         begin = next;
     }
     if (sections.front().empty()) {
-        throw Refusal(0, "no session description: there is nothing in it");
+        throw Refusal(0, "the description is empty");
     }
     check_order(sections);
 }
@@ -247,27 +202,27 @@ bool ends_in(std::string_view transport, std::string_view last) {
 MediaLine media_line(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
     if (fields.size() < 3) {
-        throw Refusal(line.number, "m= needs a kind, a port, a transport and formats");
+        throw Refusal(line.number, "m= needs a media type, a port, a transport and formats");
     }
-    // At other characters the parser may loop until memory runs out.
+    // At other characters the parser can loop until memory runs out.
     if (!consists_of_tokens(fields[0], "") || !consists_of_tokens(fields[2], "/") ||
         !std::all_of(fields.begin() + 3, fields.end(),
                      [](std::string_view format) { return consists_of_tokens(format, ""); })) {
         throw Refusal(line.number,
-                      "the kind, the transport or a format is not made of token characters");
+                      "invalid character in the media type, the transport or a format");
     }
     MediaLine media;
-    media.kind = fields[0];
+    media.type = fields[0];
     const std::vector<std::string_view> ports = split(fields[1], "/", 2);
     media.port_digits = ports[0];
-    const auto port = number(media.port_digits, greatest_port);
+    const auto port = number(media.port_digits, max_port);
     if (!port) {
-        throw Refusal(line.number, "the port is no number from 0 to 65535");
+        throw Refusal(line.number, "m=: expected a port from 0 to 65535");
     }
     media.port = static_cast<unsigned long>(*port);
-    const auto count = number(ports.size() == 2 ? ports[1] : "1", greatest_port);
+    const auto count = number(ports.size() == 2 ? ports[1] : "1", max_port);
     if (!count || *count == 0) {
-        throw Refusal(line.number, "the number of ports is out of range");
+        throw Refusal(line.number, "m=: expected a number of ports from 1 to 65535");
     }
     media.transport = fields[2];
     media.is_rtp = ends_in(media.transport, "RTP/AVP") || ends_in(media.transport, "RTP/AVPF") ||
@@ -276,12 +231,12 @@ MediaLine media_line(const Line& line) {
         static_cast<unsigned long>(media.is_rtp && *count > 1 ? 2 * *count : *count) - 1;
     media.formats.assign(fields.begin() + 3, fields.end());
     if (media.is_rtp && std::any_of(media.formats.begin(), media.formats.end(), [](auto format) {
-            return number(format, ULLONG_MAX).value_or(0) > greatest_payload_type;
+            return number(format, ULLONG_MAX).value_or(0) > max_payload_type;
         })) {
-        throw Refusal(line.number, "a payload type is above 127");
+        throw Refusal(line.number, "m=: expected payload types from 0 to 127");
     }
-    if (media.formats.size() > most_formats) {
-        throw Refusal(line.number, "the media has more than 128 formats");
+    if (media.formats.size() > max_formats) {
+        throw Refusal(line.number, "m= has more than 128 formats");
     }
     return media;
 }
@@ -289,7 +244,7 @@ MediaLine media_line(const Line& line) {
 AddressField connection_address(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
     if (fields.size() != 3) {
-        throw Refusal(line.number, "c= needs a net type, an address type and an address");
+        throw Refusal(line.number, "c= needs a network type, an address type and an address");
     }
     return address_field(line.number, fields.data());
 }
@@ -309,9 +264,9 @@ RtcpLine rtcp_line(const Line& line) {
     }
     RtcpLine rtcp;
     rtcp.port_digits = fields[0];
-    const auto port = number(rtcp.port_digits, greatest_port);
+    const auto port = number(rtcp.port_digits, max_port);
     if (!port || *port == 0) {
-        throw Refusal(line.number, "the RTCP port is no number from 1 to 65535");
+        throw Refusal(line.number, "a=rtcp: expected a port from 1 to 65535");
     }
     rtcp.port = static_cast<unsigned short>(*port);
     return rtcp;
@@ -332,7 +287,7 @@ const Line* rtcp_of(const Section& section) {
     const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
         const std::vector<std::string_view> fields = tokens(line.value);
         return same(line.name, "rtcp") && !fields.empty() &&
-               number(fields[0], greatest_port).value_or(0) != 0;
+               number(fields[0], max_port).value_or(0) != 0;
     });
     return found == section.end() ? nullptr : &*found;
 }

@@ -1,14 +1,9 @@
-// Writes an answer as text, from the offer as sofia-sip's parser has it.
-//
-// Of an accepted line stay the payloads, their rtpmap and fmtp, ptime, maxptime, silenceSupp and
-// the attributes of T.38; the direction and the key are the answer's. Of a rejected line stays what
-// m= says, with port 0 and one format. Of the session stay its times (RFC 3264, section 6) and
-// silenceSupp: every other attribute would promise what the answer does not keep.
+/// @file
+/// Writes the answer to an offer as text.
 
 #ifndef QOVA_TOOLS_SDP_WRITER_H
 #define QOVA_TOOLS_SDP_WRITER_H
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,15 +14,23 @@
 
 namespace sdp {
 
-// What o= says: which session, and which version of its description.
-struct Origin {
-    std::uint64_t id;
-    std::uint64_t version;
-};
-Origin origin_of(const Reading& reading);
+/// Returns the m= line that rejects a line of an offer (RFC 3264, section 6), with its line ending.
+std::string rejected_line(const ReadLine& line);
 
-// The capability is an answer to the offer, in the plan that it is sent in; each line has its
-// accepted payload types.
+/// Returns the text of an answer (RFC 3264, section 6). Linear in the length of the offer, times
+/// the number of payloads of a line.
+///
+/// An accepted line keeps its payloads, their a=rtpmap and a=fmtp, a=ptime, a=maxptime,
+/// a=silenceSupp and the attributes of T.38. Its ports, direction and key are the answer's. A
+/// rejected line keeps its type, its transport and one format. The session keeps its times and
+/// a=silenceSupp. Nothing else is copied, because it would promise what the answer does not keep.
+/// @param offer the text of the offer
+/// @param reading what read() returned for the offer
+/// @param answer the media lines of the answer, with the ports that are written: one for each
+///        QOVA_Media of the offer, in the same order
+/// @param payloads the accepted payload types of each line of the reading
+/// @param address the address in c= and o=
+/// @param origin the session and version in o=
 std::string write(const Description& offer, const Reading& reading, const QOVA_Capability& answer,
                   const std::vector<std::vector<unsigned>>& payloads, const IPAddress& address,
                   const Origin& origin);

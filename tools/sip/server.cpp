@@ -9,6 +9,7 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -22,8 +23,9 @@
 #include <vector>
 
 #include "cli/files.h"
-#include "move/mover.h"
-#include "sdp/text.h"
+#include "sdp/diagnostics.h"
+#include "sdp/plan.h"
+#include "sdp/strings.h"
 
 namespace {
 
@@ -39,7 +41,7 @@ double seconds(clockid_t clock) {
 }
 
 // The address of a SIP URI's host, where it is one that media can be sent to.
-std::optional<std::string> address_in(const std::string& uri) {
+std::optional<sdp::MediaAddress> address_in(const std::string& uri) {
     struct Free {
         void operator()(url_t* url) const { su_free(nullptr, url); }
     };
@@ -52,7 +54,7 @@ std::optional<std::string> address_in(const std::string& uri) {
     if (host.front() == '[' && host.back() == ']') {
         host = host.substr(1, host.size() - 2);
     }
-    return sdp::is_address(host) ? std::optional(host) : std::nullopt;
+    return sdp::MediaAddress::parse(host);
 }
 
 // Whether the body of a message is a description.
@@ -65,10 +67,8 @@ std::string description_of(const sip_t& sip) {
     return {sip.sip_payload->pl_data, sip.sip_payload->pl_len};
 }
 
-// A line of a message's description, as the log names it.
-std::string place(const sip_t& sip, std::size_t line) {
-    const std::string method = sip.sip_request->rq_method_name;
-    return line == 0 ? method : method + ":" + std::to_string(line);
+std::string method_of(const sip_t& sip) {
+    return sip.sip_request->rq_method_name;
 }
 
 }  // namespace
@@ -110,8 +110,8 @@ auto SipServer::timed(Work work) {
     return work();
 }
 
-SipServer::SipServer(Options options_of) : options(std::move(options_of)) {
-    const std::optional<std::string> address = address_in(options.listen);
+SipServer::SipServer(Options given_options) : options(std::move(given_options)) {
+    const std::optional<sdp::MediaAddress> address = address_in(options.listen);
     if (!options.local) {
         if (!address) {
             throw Misuse("--listen: " + options.listen + " has no unicast address: say --local");
@@ -212,7 +212,7 @@ void SipServer::take(nua_event_t event, int status, nua_handle_t* handle, const 
         case nua_i_bye:
         case nua_i_cancel:  // both answered by sofia-sip
             if (const auto found = calls.find(handle); found != calls.end()) {
-                log(found->second, place(*sip, 0));
+                log(found->second, method_of(*sip));
             }
             break;
         case nua_i_options:
@@ -262,7 +262,7 @@ void SipServer::take_request(nua_handle_t* handle, const sip_t& sip) {
     auto place = calls.find(handle);
     if (place == calls.end()) {
         place =
-            calls.emplace(handle, Call{++calls_so_far, sdp::CallSide(policy, public_plan)}).first;
+            calls.emplace(handle, Call{++calls_so_far, sdp::CallSide(*policy, public_plan)}).first;
     }
     Call& call = place->second;
     if (sip.sip_payload != nullptr && sip.sip_payload->pl_len > 0) {
@@ -286,18 +286,19 @@ void SipServer::answer(Call& call, nua_handle_t* handle, const sip_t& sip) {
     try {
         const sdp::Reply reply =
             timed([&] { return call.side.answer(description_of(sip), strictness_of(options)); });
-        for (const auto& [list, kind] : {std::pair(&reply.warnings, ": warning: "),
-                                         std::pair(&reply.rejections, ": rejected: ")}) {
-            for (const sdp::Warning& warning : *list) {
-                log(call, place(sip, warning.line) + kind + warning.message);
-            }
+        for (const sdp::Diagnostic& diagnostic : reply.diagnostics) {
+            log(call, sdp::printed(diagnostic, method_of(sip)));
         }
         log(call, reply.log);
         if (reply.has_common) {
             accept(call, handle, sip, reply.text);
         } else {
+            const auto rejection = std::find_if(
+                reply.diagnostics.begin(), reply.diagnostics.end(), [](const auto& diagnostic) {
+                    return diagnostic.severity == sdp::Severity::REJECTION;
+                });
             refuse(call, handle, sip, SIP_488_NOT_ACCEPTABLE,
-                   {reply.rejections.front().line, reply.rejections.front().message});
+                   {rejection->line, rejection->message});
         }
     } catch (const sdp::Refusal& refusal) {
         refuse(call, handle, sip, SIP_400_BAD_REQUEST, refusal);
@@ -327,14 +328,15 @@ void SipServer::take_ack(nua_handle_t* handle, const sip_t& sip) {
         }
         log(call, timed([&] { return call.side.take_answer(description_of(sip)); }));
     } catch (const sdp::Refusal& refusal) {
-        log_error(call, place(sip, refusal.line) + ": the call ends: " + refusal.what());
+        log_error(call,
+                  sdp::place(method_of(sip), refusal.line) + ": the call ends: " + refusal.what());
         nua_bye(handle, TAG_END());
     }
 }
 
 void SipServer::accept(const Call& call, nua_handle_t* handle, const sip_t& sip,
                        const std::string& description) {
-    log(call, place(sip, 0) + ": accepted");
+    log(call, method_of(sip) + ": accepted");
     nua_respond(handle, SIP_200_OK, NUTAG_WITH_THIS(agent.get()),
                 TAG_IF(!description.empty(), SIPTAG_CONTENT_TYPE_STR(sdp_type)),
                 TAG_IF(!description.empty(), SIPTAG_PAYLOAD_STR(description.c_str())), TAG_END());
@@ -342,8 +344,8 @@ void SipServer::accept(const Call& call, nua_handle_t* handle, const sip_t& sip,
 
 void SipServer::refuse(const Call& call, nua_handle_t* handle, const sip_t& sip, int status,
                        const char* phrase, const sdp::Refusal& reason) {
-    log_error(call, place(sip, reason.line) + ": refused with " + std::to_string(status) + ": " +
-                        reason.what());
+    log_error(call, sdp::place(method_of(sip), reason.line) + ": refused with " +
+                        std::to_string(status) + ": " + reason.what());
     const std::string warning =
         "399 qova-answer \"" +
         (reason.line == 0 ? "" : "line " + std::to_string(reason.line) + ": ") + reason.what() +

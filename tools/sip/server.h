@@ -16,7 +16,7 @@
 class SipServer {
 public:
     // Throws Misuse, and std::runtime_error when it cannot listen.
-    explicit SipServer(Options options_of);
+    explicit SipServer(Options given_options);
     SipServer(const SipServer&) = delete;
     SipServer& operator=(const SipServer&) = delete;
 
@@ -95,8 +95,8 @@ private:
     std::unique_ptr<su_root_t, DestroyRoot> root;
     std::unique_ptr<su_timer_t, DestroyTimer> timer;
     std::unique_ptr<nua_t, DestroyAgent> agent;
-    sdp::Policy policy;
-    std::optional<sdp::PublicPlan> public_plan;
+    std::optional<sdp::Policy> policy;
+    std::optional<sdp::Plan> public_plan;
     std::unordered_map<nua_handle_t*, Call> calls;
     unsigned long calls_so_far = 0;
     std::string contact;

@@ -1,0 +1,70 @@
+/// @file
+/// What the tools report about a description. No message quotes the description, because its lines
+/// can hold keys.
+
+#ifndef QOVA_TOOLS_SDP_DIAGNOSTICS_H
+#define QOVA_TOOLS_SDP_DIAGNOSTICS_H
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace sdp {
+
+/// How serious a diagnostic is.
+enum class Severity {
+    WARNING,   ///< The model cannot hold a value of this line.
+    REJECTION  ///< The answer rejects this media line.
+};
+
+/// A message about one line of a description.
+struct Diagnostic {
+    std::size_t line;     ///< Counted from 1; 0 is the whole description.
+    Severity severity;    ///< How serious it is.
+    std::string message;  ///< Printable ASCII, one line.
+};
+
+/// Diagnostics, in the order of their lines within a severity.
+using Diagnostics = std::vector<Diagnostic>;
+
+/// Thrown when a description is refused.
+class Refusal : public std::runtime_error {
+public:
+    /// @param given_line the line that is wrong, counted from 1; 0 is the whole description
+    /// @param message the reason
+    Refusal(std::size_t given_line, const std::string& message)
+        : std::runtime_error(message), line(given_line) {}
+
+    std::size_t line;  ///< Counted from 1; 0 is the whole description.
+};
+
+/// Returns "NAME:LINE", or "NAME" if the line is 0.
+std::string place(const std::string& name, std::size_t line);
+
+/// Returns "NAME:LINE: warning: MESSAGE" or "NAME:LINE: rejected: MESSAGE", without a newline.
+/// @param diagnostic what to print
+/// @param name the file or message that holds the description
+/// @param lines_before the number of lines before the description in that file
+std::string printed(const Diagnostic& diagnostic, const std::string& name,
+                    std::size_t lines_before = 0);
+
+/// Sorts by line; diagnostics of the same line keep their order.
+void sort(Diagnostics& diagnostics);
+
+/// Calls a function and turns a Refusal, or another Reason derived from it, into a warning. Returns
+/// false if there was one.
+template <class Reason = Refusal, class Call>
+bool warn_of_refusal(Diagnostics& diagnostics, Call call) {
+    try {
+        call();
+        return true;
+    } catch (const Reason& reason) {
+        diagnostics.push_back({reason.line, Severity::WARNING, reason.what()});
+        return false;
+    }
+}
+
+}  // namespace sdp
+
+#endif

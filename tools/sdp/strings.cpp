@@ -1,0 +1,68 @@
+#include "sdp/strings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace sdp {
+
+namespace {
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+bool same(std::string_view left, std::string_view right) {
+    return left.size() == right.size() &&
+           std::equal(left.begin(), left.end(), right.begin(),
+                      [](char l, char r) { return lower(l) == lower(r); });
+}
+
+bool starts_with(std::string_view text, std::string_view prefix) {
+    return same(text.substr(0, prefix.size()), prefix);
+}
+
+std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);  // npos + 1 is 0
+}
+
+std::vector<std::string_view> split(std::string_view text, std::string_view separators,
+                                    std::size_t max) {
+    std::vector<std::string_view> pieces;
+    std::size_t end = text.find_first_of(separators);
+    while (end != std::string_view::npos && pieces.size() + 1 < max) {
+        pieces.push_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+        end = text.find_first_of(separators);
+    }
+    pieces.push_back(text);
+    return pieces;
+}
+
+std::vector<std::string_view> tokens(std::string_view text) {
+    std::vector<std::string_view> pieces = split(text, blanks);
+    pieces.erase(std::remove(pieces.begin(), pieces.end(), ""), pieces.end());
+    return pieces;
+}
+
+std::optional<unsigned long long> number(std::string_view digits, unsigned long long max) {
+    unsigned long long value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc() || stop != end || value > max) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::string with_newline(std::string text) {
+    if (text.empty() || text.back() != '\n') {
+        text += '\n';
+    }
+    return text;
+}
+
+}  // namespace sdp

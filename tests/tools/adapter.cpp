@@ -3,17 +3,12 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "answer/call_side.h"
 #include "answer/changes.h"
-#include "move/mover.h"
 #include "netconf/sdp.h"
 #include "qova/capability.h"
 #include "qova/crypto.h"
 #include "qova/media.h"
 #include "sdp/audio.h"
-#include "sdp/message.h"
-#include "sdp/reader.h"
-#include "socket/address.h"
 
 namespace tools {
 
@@ -21,37 +16,16 @@ namespace {
 
 template <class T, class Call>
 Result<T> result_of(Call call) {
+    const auto refused = [](std::size_t line, const char* message) {
+        return Result<T>{{{line, sdp::Severity::WARNING, message}}, {}};
+    };
     try {
-        return {std::nullopt, call()};
+        return {{}, call()};
     } catch (const sdp::Refusal& refusal) {
-        return {Message{refusal.line, refusal.what()}, {}};
+        return refused(refusal.line, refusal.what());
     } catch (const std::range_error& error) {
-        return {Message{0, error.what()}, {}};
+        return refused(0, error.what());
     }
-}
-
-sdp::Role role_of(Role role) {
-    return role == Role::ANSWER ? sdp::Role::ANSWER : sdp::Role::OFFER;
-}
-
-sdp::Strictness strictness_of(Strictness strictness) {
-    return strictness == Strictness::STRICT ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
-}
-
-IPAddress address_of(const std::string& text) {
-    IPAddress address;
-    if (!IPAddress::Parse(text, address)) {
-        throw std::invalid_argument("invalid address '" + text + "'");
-    }
-    return address;
-}
-
-std::vector<Message> messages(const std::vector<sdp::Warning>& warnings) {
-    std::vector<Message> all;
-    for (const sdp::Warning& warning : warnings) {
-        all.push_back({warning.line, warning.message});
-    }
-    return all;
 }
 
 std::string key_text(const QOVA_CryptoKey& key) {
@@ -62,8 +36,7 @@ std::string key_text(const QOVA_CryptoKey& key) {
     }
     const auto end = std::find_if(std::rbegin(key.key), std::rend(key.key),
                                   [](unsigned char byte) { return byte != 0; });
-    const std::string bytes(std::begin(key.key), end.base());
-    return "inline:" + base64(bytes) +
+    return "inline:" + base64(std::string(std::begin(key.key), end.base())) +
            (key.lifetime == 0 ? "" : "|" + std::to_string(key.lifetime)) +
            (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
 }
@@ -85,114 +58,88 @@ std::vector<std::string> crypto_texts(const sdp::Reading& reading) {
     return all;
 }
 
-// Records the random bytes that it hands out: the first block counts down from 255, the next from
-// 239, and so on.
-class Source {
-public:
-    explicit Source(std::vector<std::string>& record) : blocks(record) {}
-    void operator()(unsigned char* to, std::size_t size) {
-        unsigned next = 255U - 16U * static_cast<unsigned>(blocks.size());
-        std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next--); });
-        blocks.emplace_back(to, to + size);
-    }
-
-private:
-    std::vector<std::string>& blocks;
-};
-
-sdp::CallSide side_of(const Policy& policy, std::vector<std::string>& blocks) {
-    sdp::Policy own;
-    own.address = address_of(policy.local);
-    own.fax = policy.fax;
-    own.random = Source(blocks);
-    if (!policy.codecs.empty()) {
-        own.codecs.clear();
-        for (const std::string& name : policy.codecs) {
-            own.codecs.push_back(sdp::codec_named(name).value());
-        }
-    }
-    if (!policy.suites.empty()) {
-        own.suites.clear();
-        for (const std::string& name : policy.suites) {
-            own.suites.push_back(Sdp::CryptoParser::algoToEnum(name));
-        }
-    }
-    std::optional<sdp::PublicPlan> plan;
-    if (policy.public_plan) {
-        plan = {address_of(policy.public_plan->address), policy.public_plan->audio_port,
-                policy.public_plan->fax_port};
-    }
-    return sdp::CallSide(own, plan);
-}
-
-sdp::Reading reading_of(const std::string& text) {
-    return sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
+std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
+    return sdp::read(sdp::Description(text), Role::OFFER, Strictness::LENIENT).capability;
 }
 
 }  // namespace
 
-Result<Found> find(const std::string& file) {
-    return result_of<Found>([&] {
-        const sdp::Found found = sdp::find_description(file);
-        return Found{found.text, found.lines_before, found.is_part};
-    });
+std::vector<std::string> shown(const Diagnostics& diagnostics, std::size_t lines_before) {
+    std::vector<std::string> all;
+    for (const sdp::Diagnostic& one : diagnostics) {
+        const std::size_t line = one.line == 0 ? 0 : one.line + lines_before;
+        all.push_back(std::to_string(line) + ": " + one.message);
+    }
+    return all;
+}
+
+Result<sdp::Found> find(const std::string& file) {
+    return result_of<sdp::Found>([&] { return sdp::find_description(file); });
 }
 
 Result<Read> read(const std::string& text, Role role, Strictness strictness) {
     return result_of<Read>([&] {
-        const sdp::Reading reading =
-            sdp::read(sdp::Description(text), role_of(role), strictness_of(strictness));
-        return Read{*reading.capability, messages(reading.warnings), crypto_texts(reading)};
+        const sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness);
+        return Read{*reading.capability, reading.diagnostics, crypto_texts(reading)};
     });
 }
 
-Result<Moved> move(const std::string& text, const Move& move) {
-    return result_of<Moved>([&] {
-        const sdp::Move moved =
-            sdp::move(text, {move.plan.address, move.plan.audio_port, move.plan.fax_port, move.back,
-                             move.merge, role_of(move.role), strictness_of(move.strictness)});
-        return Moved{moved.text, moved.log_before, moved.log_after, moved.old_address,
-                     messages(moved.warnings)};
-    });
+sdp::MediaAddress address(const std::string& text) {
+    const auto parsed = sdp::MediaAddress::parse(text);
+    if (!parsed) {
+        throw std::invalid_argument("invalid address '" + text + "'");
+    }
+    return *parsed;
 }
 
-std::pair<std::string, std::string> model_and_text(const std::string& text, const Moved& moved,
-                                                   const Plan& plan) {
-    const sdp::Reading before = reading_of(text);
-    const sdp::Reading after = reading_of(moved.text);
-    before.capability->setPublicAddrPort(UDPAddr(address_of(plan.address), 0), plan.audio_port,
-                                         plan.fax_port);
-    std::pair<std::string, std::string> both;
-    for (const QOVA_Media* const media : after.capability->filteredMedia) {
-        both.second += media->address->IsAny() != 0 ? "" : std::string(*media);
-    }
-    auto reread = after.capability->filteredMedia.begin();
-    for (const QOVA_Media* const media : before.capability->filteredMedia) {
-        both.first += (*reread++)->address->IsAny() != 0 ? "" : std::string(*media);
-    }
-    return both;
+Result<sdp::Move> move(const std::string& text, const Journey& journey) {
+    return result_of<sdp::Move>([&] { return sdp::move(text, journey.plan, journey.options); });
 }
 
-Result<Answered> answer(const std::string& text, const Policy& policy,
-                        const std::string& previous) {
-    std::vector<std::string> blocks;
+void Side::use_codecs(const std::vector<std::string>& names) {
+    policy.codecs.clear();
+    for (const std::string& name : names) {
+        policy.codecs.push_back(sdp::codec_named(name).value());
+    }
+}
+
+void Side::use_suites(const std::vector<std::string>& names) {
+    policy.suites.clear();
+    for (const std::string& name : names) {
+        policy.suites.push_back(Sdp::CryptoParser::algoToEnum(name));
+    }
+}
+
+Diagnostics Answered::of(sdp::Severity severity) const {
+    Diagnostics all;
+    std::copy_if(diagnostics.begin(), diagnostics.end(), std::back_inserter(all),
+                 [&](const sdp::Diagnostic& one) { return one.severity == severity; });
+    return all;
+}
+
+Result<Answered> answer(const std::string& text, const Side& side, const std::string& previous) {
     return result_of<Answered>([&] {
-        sdp::CallSide side = side_of(policy, blocks);
+        // The first random bytes, of the session's number, count down from 255, the next from 239,
+        // and so on.
+        std::vector<std::string> blocks;
+        sdp::Policy policy = side.policy;
+        policy.random = [&blocks](unsigned char* to, std::size_t size) {
+            unsigned next = 255U - 16U * static_cast<unsigned>(blocks.size());
+            std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next--); });
+            blocks.emplace_back(to, to + size);
+        };
+        sdp::CallSide call(policy, side.plan);
         if (!previous.empty()) {
-            side.resume(previous);
+            call.resume(previous);
         }
-        const sdp::Reply reply = side.answer(text, sdp::Strictness::LENIENT);
-        Answered answered = {reply.text,
-                             reply.log,
-                             messages(reply.warnings),
-                             messages(reply.rejections),
-                             reply.has_common,
-                             reply.changed,
-                             {}};
-        std::copy_if(blocks.begin(), blocks.end(), std::back_inserter(answered.keys),
-                     [](const std::string& block) { return block.size() >= 28; });
+        Answered answered = {call.answer(text, Strictness::LENIENT), {}};
+        answered.keys.assign(blocks.begin() + 1, blocks.end());
         return answered;
     });
+}
+
+bool is_changed(const std::string& before, const std::string& now) {
+    return sdp::changed(*capability_of(before), *capability_of(now));
 }
 
 std::string base64(const std::string& bytes) {
@@ -209,10 +156,6 @@ std::string base64(const std::string& bytes) {
     }
     std::fill_n(text.rbegin(), (3 - bytes.size() % 3) % 3, '=');
     return text;
-}
-
-bool is_changed(const std::string& before, const std::string& now) {
-    return sdp::changed(*reading_of(before).capability, *reading_of(now).capability);
 }
 
 }  // namespace tools

@@ -1,98 +1,78 @@
-// The tools as functions from text to text: the runner of the cases, the checks of properties and
-// the fuzzer know nothing else of them.
+// The tools as functions from text to text: the runner of the cases, the properties and the fuzzer
+// know nothing else of them.
 
 #ifndef QOVA_TESTS_TOOLS_ADAPTER_H
 #define QOVA_TESTS_TOOLS_ADAPTER_H
 
-#include <cstddef>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "answer/call_side.h"
+#include "move/mover.h"
+#include "sdp/diagnostics.h"
+#include "sdp/message.h"
+#include "sdp/plan.h"
+#include "sdp/reader.h"
 
 namespace tools {
 
-struct Message {
-    std::size_t line;  // from 1; 0: the description as a whole
-    std::string text;
-};
+using sdp::Diagnostics;
+using sdp::Role;
+using sdp::Strictness;
 
-// Either a refusal or a value.
+// "6: MESSAGE" for each.
+std::vector<std::string> shown(const Diagnostics& diagnostics, std::size_t lines_before = 0);
+
+// A value or a refusal.
 template <class T>
 struct Result {
-    std::optional<Message> refusal;
+    Diagnostics refusal;  // one, or none
     T value = {};
+
+    bool is_refused() const { return !refusal.empty(); }
 };
 
-enum class Role { OFFER, ANSWER };
-enum class Strictness { LENIENT, STRICT };
-
-struct Found {
-    std::string text;
-    std::size_t lines_before = 0;
-    bool is_part = false;
-};
-Result<Found> find(const std::string& file);
+Result<sdp::Found> find(const std::string& file);
 
 struct Read {
     std::string log;
-    std::vector<Message> warnings;
+    Diagnostics warnings;
     std::vector<std::string> cryptos;  // "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
 };
 Result<Read> read(const std::string& text, Role role, Strictness strictness);
 
-struct Plan {
-    std::string address = "203.0.113.5";
-    unsigned short audio_port = 40000;
-    unsigned short fax_port = 7000;
-};
+// Throws std::invalid_argument.
+sdp::MediaAddress address(const std::string& text);
 
-struct Move {
-    Plan plan;
-    bool back = false;
-    bool merge = false;
-    Role role = Role::OFFER;
-    Strictness strictness = Strictness::LENIENT;
+struct Journey {
+    sdp::Plan plan = {address("203.0.113.5"), 40000, 7000};
+    sdp::MoveOptions options;
 };
-struct Moved {
-    std::string text;
-    std::string log_before;
-    std::string log_after;
-    std::string old_address;  // empty: there is no way back
-    std::vector<Message> warnings;
-};
-Result<Moved> move(const std::string& text, const Move& move);
+Result<sdp::Move> move(const std::string& text, const Journey& journey);
 
-// The description's media, each as the library moves it, and as the moved text reads. Media at an
-// unspecified address keep it in the text, and are left out of both.
-std::pair<std::string, std::string> model_and_text(const std::string& text, const Moved& moved,
-                                                   const Plan& plan);
+struct Side {
+    sdp::Policy policy;
+    std::optional<sdp::Plan> plan;
 
-struct Policy {
-    std::string local = "192.0.2.1";
-    std::optional<Plan> public_plan;
-    std::vector<std::string> codecs;  // by their SDP names; empty: all
-    std::vector<std::string> suites;
-    bool fax = true;
+    explicit Side(const std::string& local = "192.0.2.1") : policy{address(local)} {}
+    void use_codecs(const std::vector<std::string>& names);
+    void use_suites(const std::vector<std::string>& names);
 };
-struct Answered {
-    std::string text;
-    std::string log;
-    std::vector<Message> warnings;
-    std::vector<Message> rejections;
-    bool has_common = false;
-    std::optional<bool> changed;    // since the previous answer
+struct Answered : sdp::Reply {
     std::vector<std::string> keys;  // new ones, in bytes; the same in every run
+
+    Diagnostics of(sdp::Severity severity) const;
 };
 // The answer of a new side of a call, or of one that goes on from its previous answer.
-Result<Answered> answer(const std::string& text, const Policy& policy,
+Result<Answered> answer(const std::string& text, const Side& side,
                         const std::string& previous = "");
-
-// As in a=crypto, with its padding.
-std::string base64(const std::string& bytes);
 
 // Compares two descriptions as offers. Both must be readable.
 bool is_changed(const std::string& before, const std::string& now);
+
+// As in a=crypto, with its padding.
+std::string base64(const std::string& bytes);
 
 }  // namespace tools
 

@@ -7,12 +7,6 @@ namespace tools {
 
 namespace {
 
-using Messages = std::vector<Message>;
-
-std::string shown(const std::optional<Message>& message) {
-    return message ? std::to_string(message->line) + ": " + message->text : "accepted";
-}
-
 void demand(bool holds, const std::string& what, const std::string& detail = "") {
     if (!holds) {
         throw Broken(detail.empty() ? what : what + ":\n" + detail);
@@ -31,24 +25,29 @@ std::vector<std::string> lines_of(const std::string& text) {
     return lines;
 }
 
-void check_message(const Message& message, const std::string& text) {
-    const auto is_end = [](char byte) { return byte == '\n' || byte == '\r'; };
-    const auto last = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), is_end)) + 1;
-    demand(!message.text.empty(), "a message is empty");
-    demand(message.line <= last, "a message names no line", shown(message));
-    demand(std::all_of(message.text.begin(), message.text.end(),
-                       [](char byte) { return byte >= ' ' && byte <= '~'; }),
-           "a message cannot be printed", message.text);
+std::string all_of(const Diagnostics& diagnostics) {
+    std::string all;
+    for (const std::string& line : shown(diagnostics)) {
+        all += line + "\n";
+    }
+    return all;
 }
 
-void check_messages(const Messages& messages, const std::string& text) {
-    for (const Message& message : messages) {
-        check_message(message, text);
+void check_messages(const Diagnostics& diagnostics, const std::string& text) {
+    const auto is_end = [](char byte) { return byte == '\n' || byte == '\r'; };
+    const auto last = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), is_end)) + 1;
+    for (const sdp::Diagnostic& one : diagnostics) {
+        demand(!one.message.empty(), "a message is empty");
+        demand(one.line <= last, "a message names no line", all_of(diagnostics));
+        demand(std::all_of(one.message.begin(), one.message.end(),
+                           [](char byte) { return byte >= ' ' && byte <= '~'; }),
+               "a message cannot be printed", one.message);
     }
-    demand(
-        std::is_sorted(messages.begin(), messages.end(),
-                       [](const auto& left, const auto& right) { return left.line < right.line; }),
-        "the messages are not in the order of the lines");
+    const auto is_before = [](const auto& left, const auto& right) {
+        return left.line < right.line;
+    };
+    demand(std::is_sorted(diagnostics.begin(), diagnostics.end(), is_before),
+           "the messages are not in the order of the lines");
 }
 
 // --- Keys ----------------------------------------------------------------------------------------
@@ -114,14 +113,6 @@ void check_without_key(const std::string& shown, const std::string& key) {
     }
 }
 
-std::string all_of(const Messages& messages) {
-    std::string all;
-    for (const Message& message : messages) {
-        all += shown(message) + "\n";
-    }
-    return all;
-}
-
 void check_without_keys(const std::string& shown, const std::string& text) {
     // A word for keys of other kinds in the cases.
     demand(shown.find("SecretKeyMaterial") == std::string::npos, "a secret is shown", shown);
@@ -136,23 +127,20 @@ void check_without_keys(const std::string& shown, const std::string& text) {
 bool check_reading(const std::string& text, Role role) {
     const Result<Read> lenient = read(text, role, Strictness::LENIENT);
     const Result<Read> strict = read(text, role, Strictness::STRICT);
-    Messages expected = lenient.value.warnings;
-    if (lenient.refusal) {
-        check_message(*lenient.refusal, text);
-        expected.insert(expected.begin(), *lenient.refusal);
-    }
-    check_messages(lenient.value.warnings, text);
-    demand(shown(strict.refusal) == (expected.empty() ? "accepted" : shown(expected.front())),
-           "a strict reading is refused for another reason", shown(strict.refusal));
-    demand(strict.refusal || strict.value.log == lenient.value.log, "a strict reading is another",
-           strict.value.log);
+    const Diagnostics& expected = lenient.is_refused() ? lenient.refusal : lenient.value.warnings;
+    check_messages(expected, text);
     check_without_keys(lenient.value.log + all_of(expected), text);
-    return !lenient.refusal;
+    demand(strict.is_refused() == !expected.empty() &&
+               (expected.empty() || all_of(strict.refusal) == all_of({expected.front()})),
+           "a strict reading is refused for another reason", all_of(strict.refusal));
+    demand(strict.is_refused() || strict.value.log == lenient.value.log,
+           "a strict reading is another", strict.value.log);
+    return !lenient.is_refused();
 }
 
 std::string log_of(const std::string& text, Role role) {
     const Result<Read> reading = read(text, role, Strictness::LENIENT);
-    demand(!reading.refusal, "what a tool wrote is refused", shown(reading.refusal) + "\n" + text);
+    demand(!reading.is_refused(), "what a tool wrote is refused", all_of(reading.refusal) + text);
     return reading.value.log;
 }
 
@@ -174,61 +162,56 @@ std::vector<std::string> kinds(const std::string& text) {
 
 }  // namespace
 
-void check_move(const std::string& text, const Move& there, Counts& counts) {
-    const Result<Read> reading = read(text, there.role, there.strictness);
-    const Result<Moved> moved = move(text, there);
-    if (moved.refusal) {
-        check_message(*moved.refusal, text);
-        check_without_keys(shown(moved.refusal), text);
-    }
-    if (reading.refusal) {
-        demand(shown(moved.refusal) == shown(reading.refusal),
-               "a move is refused for another reason", shown(moved.refusal));
-    }
-    if (moved.refusal) {
+void check_move(const std::string& text, const Journey& there, Counts& counts) {
+    const Result<Read> reading = read(text, there.options.role, there.options.strictness);
+    const Result<sdp::Move> moved = move(text, there);
+    const Diagnostics& messages = moved.is_refused() ? moved.refusal : moved.value.diagnostics;
+    check_messages(messages, text);
+    check_without_keys(moved.value.log_after + all_of(messages), text);
+    demand(!reading.is_refused() || all_of(moved.refusal) == all_of(reading.refusal),
+           "a move is refused for another reason", all_of(moved.refusal));
+    if (moved.is_refused()) {
         return;
     }
     ++counts.moved;
-    check_messages(moved.value.warnings, text);
-    check_without_keys(moved.value.log_after + all_of(moved.value.warnings), text);
-    demand(moved.value.log_before == log_of(text, there.role), "the log before the move is another",
+    const Role role = there.options.role;
+    demand(moved.value.log_before == log_of(text, role), "the log before the move is another",
            moved.value.log_before);
-    demand(moved.value.log_after == log_of(moved.value.text, there.role),
+    demand(moved.value.log_after == log_of(moved.value.text, role),
            "the log after the move is another", moved.value.log_after + moved.value.text);
-    if (moved.value.old_address.empty()) {
-        demand(there.back || there.merge, "there is no way back", moved.value.text);
+    if (!moved.value.old_address) {
+        demand(there.options.back || there.options.merge, "there is no way back", moved.value.text);
         return;
     }
-    Move back = there;
-    back.plan.address = moved.value.old_address;
-    back.back = !there.back;
-    back.strictness = Strictness::LENIENT;
-    const Result<Moved> restored = move(moved.value.text, back);
-    demand(!restored.refusal, "the way back is refused", shown(restored.refusal));
+    Journey back = there;
+    back.plan.address = *moved.value.old_address;
+    back.options.back = !there.options.back;
+    back.options.strictness = Strictness::LENIENT;
+    const Result<sdp::Move> restored = move(moved.value.text, back);
+    demand(!restored.is_refused(), "the way back is refused", all_of(restored.refusal));
     demand(restored.value.text == text, "the way back does not restore it", restored.value.text);
     ++counts.restored;
 }
 
-void check_answer(const std::string& text, const Policy& policy, Counts& counts) {
+void check_answer(const std::string& text, const Side& side, Counts& counts) {
     const Result<Read> offer = read(text, Role::OFFER, Strictness::LENIENT);
-    const Result<Answered> first = answer(text, policy);
-    if (first.refusal) {
-        check_message(*first.refusal, text);
-        check_without_keys(shown(first.refusal), text);
+    const Result<Answered> first = answer(text, side);
+    check_messages(first.refusal, text);
+    check_without_keys(all_of(first.refusal), text);
+    if (first.is_refused()) {
         // Public ports may run beyond the last.
-        demand(offer.refusal ? shown(first.refusal) == shown(offer.refusal)
-                             : policy.public_plan.has_value(),
-               "an answer is refused for another reason", shown(first.refusal));
+        demand(offer.is_refused() ? all_of(first.refusal) == all_of(offer.refusal)
+                                  : side.plan.has_value(),
+               "an answer is refused for another reason", all_of(first.refusal));
         return;
     }
     const Answered& answered = first.value;
     ++counts.answered;
     counts.accepted += answered.has_common ? 1U : 0U;
-    demand(all_of(answered.warnings) == all_of(offer.value.warnings), "the warnings are others",
-           all_of(answered.warnings));
-    check_messages(answered.rejections, text);
-    const std::string shown =
-        answered.log + all_of(answered.warnings) + all_of(answered.rejections);
+    demand(all_of(answered.of(sdp::Severity::WARNING)) == all_of(offer.value.warnings),
+           "the warnings are others", all_of(answered.diagnostics));
+    check_messages(answered.of(sdp::Severity::REJECTION), text);
+    const std::string shown = answered.log + all_of(answered.diagnostics);
     check_without_keys(shown + answered.text, text);
     for (const std::string& key : answered.keys) {
         check_without_key(shown, base64(key));
@@ -236,15 +219,15 @@ void check_answer(const std::string& text, const Policy& policy, Counts& counts)
 
     const Strictness strictness =
         offer.value.warnings.empty() ? Strictness::STRICT : Strictness::LENIENT;
-    const Result<Read> reread = read(answered.text, Role::ANSWER, strictness);
-    demand(!reread.refusal, "the answer cannot be read", answered.text);
+    demand(!read(answered.text, Role::ANSWER, strictness).is_refused(), "the answer cannot be read",
+           answered.text);
     demand(kinds(answered.text) == kinds(text), "the answer has other lines", answered.text);
-    if (policy.public_plan && text.find(policy.local) == std::string::npos) {
-        demand(answered.text.find(policy.local) == std::string::npos,
-               "the answer has the local address", answered.text);
-    }
-    const Result<Answered> again = answer(text, policy, answered.text);
-    demand(!again.refusal && again.value.changed == false,
+    const std::string& local = side.policy.address.text();
+    demand(!side.plan || text.find(local) != std::string::npos ||
+               answered.text.find(local) == std::string::npos,
+           "the answer has the local address", answered.text);
+    const Result<Answered> again = answer(text, side, answered.text);
+    demand(!again.is_refused() && again.value.changed == false,
            "the answer does not read as what it was written from", answered.text + again.value.log);
     demand(again.value.text == answered.text, "a side that goes on gives another answer",
            again.value.text);
@@ -254,34 +237,31 @@ void check_properties(const std::string& text, Counts& counts) {
     const bool is_readable = check_reading(text, Role::ANSWER);
     demand(check_reading(text, Role::OFFER) == is_readable, "the role decides on the refusal");
     counts.readable += is_readable ? 1U : 0U;
-    counts.strict += read(text, Role::OFFER, Strictness::STRICT).refusal ? 0U : 1U;
+    counts.strict += read(text, Role::OFFER, Strictness::STRICT).is_refused() ? 0U : 1U;
 
-    Move back;
-    back.plan.audio_port = 31990;
-    back.plan.fax_port = 6000;
-    back.back = true;
-    Move merge;
+    Journey back;
+    back.plan = {address("203.0.113.9"), 31990, 6000};
+    back.options.back = true;
+    Journey merge;
     merge.plan.audio_port = 32002;
-    merge.merge = true;
-    Move answer;
-    answer.role = Role::ANSWER;
-    Move strict;
-    strict.strictness = Strictness::STRICT;
-    for (const Move& move : {Move{}, Move{{"2001:DB8::0:9", 31999, 6667}},
-                             Move{{"10.0.0.1", 32000, 6666}}, back, merge, answer, strict}) {
-        check_move(text, move, counts);
+    merge.options.merge = true;
+    Journey answer;
+    answer.options.role = Role::ANSWER;
+    Journey strict;
+    strict.options.strictness = Strictness::STRICT;
+    for (const Journey& there :
+         {Journey{}, Journey{{address("2001:DB8::0:9"), 31999, 6667}, {}},
+          Journey{{address("10.0.0.1"), 32000, 6666}, {}}, back, merge, answer, strict}) {
+        check_move(text, there, counts);
     }
-    Policy narrow;
-    narrow.codecs = {"PCMU", "AMR-WB"};
-    narrow.suites = {"AES_CM_128_HMAC_SHA1_32"};
-    narrow.fax = false;
-    Policy behind_public;
-    behind_public.local = "192.168.250.1";
-    behind_public.public_plan = Plan{};
-    Policy ipv6;
-    ipv6.local = "2001:db8::1";
-    for (const Policy& policy : {Policy{}, narrow, behind_public, ipv6}) {
-        check_answer(text, policy, counts);
+    Side narrow;
+    narrow.use_codecs({"PCMU", "AMR-WB"});
+    narrow.use_suites({"AES_CM_128_HMAC_SHA1_32"});
+    narrow.policy.fax = false;
+    Side behind_public("192.168.250.1");
+    behind_public.plan = Journey{}.plan;
+    for (const Side& side : {Side(), Side("2001:db8::1"), narrow, behind_public}) {
+        check_answer(text, side, counts);
     }
 }
 

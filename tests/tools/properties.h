@@ -27,7 +27,7 @@ struct Counts {
     unsigned long long accepted = 0;
 };
 
-// Throws Broken:
+// Throws Broken, unless:
 // - A message names a line of the description, can be printed, and warnings are in order.
 // - A strict reading refuses the description for the first warning, and else reads the same.
 // - What a reading refuses, each move and answer refuses for the same reason.
@@ -37,9 +37,9 @@ struct Counts {
 // - No key stands in a log, in a message or, if it was offered, in the answer.
 void check_properties(const std::string& text, Counts& counts);
 
-// The same for another move or policy.
-void check_move(const std::string& text, const Move& move, Counts& counts);
-void check_answer(const std::string& text, const Policy& policy, Counts& counts);
+// The same for another move or side.
+void check_move(const std::string& text, const Journey& there, Counts& counts);
+void check_answer(const std::string& text, const Side& side, Counts& counts);
 
 }  // namespace tools
 

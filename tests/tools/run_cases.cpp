@@ -28,7 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using tools::Lines;
-using tools::Message;
 
 std::string read_file(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -55,16 +54,16 @@ void write_file(const fs::path& path, const std::string& text) {
 struct Run {
     std::string text;
     std::size_t lines_before = 0;  // in a message
-    std::optional<Message> refusal;
+    tools::Diagnostics refusal;
     std::string previous;
     tools::Role role = tools::Role::OFFER;
-    tools::Move move;
-    tools::Policy policy;
+    tools::Journey journey;
+    tools::Side side;
 
     explicit Run(const std::string& input) : text(input) {
-        const tools::Result<tools::Found> found = tools::find(input);
+        const auto found = tools::find(input);
         refusal = found.refusal;
-        if (!refusal) {
+        if (!found.is_refused()) {
             text = found.value.text;
             lines_before = found.value.lines_before;
             refusal = reading().refusal;
@@ -73,20 +72,17 @@ struct Run {
     tools::Result<tools::Read> reading() const {
         return tools::read(text, role, tools::Strictness::LENIENT);
     }
-    Lines shown(const std::vector<Message>& messages) const {
-        Lines lines;
-        for (const Message& message : messages) {
-            const std::size_t line = message.line == 0 ? 0 : message.line + lines_before;
-            lines.push_back(std::to_string(line) + ": " + message.text);
-        }
-        return lines;
+    Lines shown(const tools::Diagnostics& diagnostics) const {
+        return tools::shown(diagnostics, lines_before);
     }
 };
 
-tools::Plan plan_of(std::istream& words) {
-    tools::Plan plan;
-    words >> plan.address >> plan.audio_port >> plan.fax_port;
-    return plan;
+sdp::Plan plan_of(std::istream& words) {
+    std::string address;
+    unsigned short audio_port = 0;
+    unsigned short fax_port = 0;
+    words >> address >> audio_port >> fax_port;
+    return {tools::address(address), audio_port, fax_port};
 }
 
 void add_option(Run& run, const std::string& line) {
@@ -95,24 +91,24 @@ void add_option(Run& run, const std::string& line) {
     words >> option;
     using Words = std::istream_iterator<std::string>;
     if (option == "answer") {
-        run.role = run.move.role = tools::Role::ANSWER;
+        run.role = run.journey.options.role = tools::Role::ANSWER;
     } else if (option == "move") {
-        run.move.plan = plan_of(words);
+        run.journey.plan = plan_of(words);
         const std::set<std::string> rest(Words(words), {});
-        run.move.back = rest.count("back") != 0;
-        run.move.merge = rest.count("merge") != 0;
-        run.move.strictness =
+        run.journey.options.back = rest.count("back") != 0;
+        run.journey.options.merge = rest.count("merge") != 0;
+        run.journey.options.strictness =
             rest.count("strict") != 0 ? tools::Strictness::STRICT : tools::Strictness::LENIENT;
     } else if (option == "local") {
-        words >> run.policy.local;
+        run.side.policy.address = tools::address(*Words(words));
     } else if (option == "public") {
-        run.policy.public_plan = plan_of(words);
+        run.side.plan = plan_of(words);
     } else if (option == "codecs") {
-        run.policy.codecs.assign(Words(words), {});
+        run.side.use_codecs({Words(words), Words()});
     } else if (option == "suites") {
-        run.policy.suites.assign(Words(words), {});
+        run.side.use_suites({Words(words), Words()});
     } else if (option == "no-fax") {
-        run.policy.fax = false;
+        run.side.policy.fax = false;
     } else {
         throw std::invalid_argument("unknown option '" + line + "'");
     }
@@ -132,28 +128,29 @@ Lines crypto(const Run& run) {
     return lines;
 }
 
-Lines moved(const Run& run) {
-    const tools::Result<tools::Moved> moved = tools::move(run.text, run.move);
-    if (moved.refusal) {
-        return {"refused: " + run.shown({*moved.refusal})[0]};
-    }
-    Lines lines = tools::changes(run.text, moved.value.text, run.move.plan.address);
-    if (moved.value.old_address.empty()) {
-        lines.emplace_back("no way back");
-    }
-    return lines;
+// What a call makes of a value, or the refusal.
+template <class T, class Call>
+Lines unless_refused(const Run& run, const tools::Result<T>& result, Call call) {
+    return result.is_refused() ? Lines{"refused: " + run.shown(result.refusal)[0]}
+                               : call(result.value);
 }
 
-Lines answer(const Run& run) {
-    const tools::Result<tools::Answered> answered = tools::answer(run.text, run.policy);
-    if (answered.refusal) {
-        return {"refused: " + run.shown({*answered.refusal})[0]};
-    }
-    const std::string address =
-        run.policy.public_plan ? run.policy.public_plan->address : run.policy.local;
-    Lines lines = tools::escaped(tools::without_head(answered.value.text, address));
+Lines moved(const Run& run) {
+    return unless_refused(run, tools::move(run.text, run.journey), [&run](const sdp::Move& moved) {
+        Lines lines = tools::changes(run.text, moved.text, run.journey.plan.address.text());
+        if (!moved.old_address) {
+            lines.emplace_back("no way back");
+        }
+        return lines;
+    });
+}
+
+Lines answer_text(const Run& run, const tools::Answered& answered) {
+    const sdp::MediaAddress& address =
+        run.side.plan ? run.side.plan->address : run.side.policy.address;
+    Lines lines = tools::escaped(tools::without_head(answered.text, address.text()));
     std::map<std::size_t, int> counts;
-    for (const std::string& key : answered.value.keys) {
+    for (const std::string& key : answered.keys) {
         const std::string written = tools::base64(key);
         const int count = ++counts[key.size()];
         for (std::string& line : lines) {
@@ -168,11 +165,20 @@ Lines answer(const Run& run) {
     return lines;
 }
 
+Lines answer(const Run& run) {
+    return unless_refused(run, tools::answer(run.text, run.side),
+                          [&run](const auto& answered) { return answer_text(run, answered); });
+}
+
+Lines rejected(const Run& run) {
+    return run.shown(tools::answer(run.text, run.side).value.of(sdp::Severity::REJECTION));
+}
+
 Lines section(const std::string& name, const Run& run) {
     using Call = Lines (*)(const Run&);
     static const std::map<std::string, Call> calls = {
         {"refused",
-         [](const Run& of) { return of.refusal ? of.shown({*of.refusal}) : Lines{"no"}; }},
+         [](const Run& of) { return of.refusal.empty() ? Lines{"no"} : of.shown(of.refusal); }},
         {"warnings", [](const Run& of) { return of.shown(of.reading().value.warnings); }},
         {"log", [](const Run& of) { return tools::plain_lines(of.reading().value.log); }},
         {"passed", passed_through},
@@ -183,12 +189,11 @@ Lines section(const std::string& name, const Run& run) {
          }},
         {"moved", moved},
         {"move-warnings",
-         [](const Run& of) { return of.shown(tools::move(of.text, of.move).value.warnings); }},
-        {"answer", answer},
-        {"rejected",
          [](const Run& of) {
-             return of.shown(tools::answer(of.text, of.policy).value.rejections);
+             return of.shown(tools::move(of.text, of.journey).value.diagnostics);
          }},
+        {"answer", answer},
+        {"rejected", rejected},
     };
     const auto call = calls.find(name);
     if (call == calls.end()) {
@@ -201,8 +206,8 @@ std::string broken_property(const Run& run) {
     tools::Counts counts;
     try {
         tools::check_properties(run.text, counts);
-        tools::check_move(run.text, run.move, counts);
-        tools::check_answer(run.text, run.policy, counts);
+        tools::check_move(run.text, run.journey, counts);
+        tools::check_answer(run.text, run.side, counts);
         return "";
     } catch (const tools::Broken& broken) {
         return broken.what() + std::string("\n");
@@ -274,7 +279,7 @@ void write_down(tools::Section& section, Lines* behind, const std::vector<Lines>
 void run_case(const std::string& place, tools::Case& one) {
     const std::vector<Run> runs = runs_of(one);
     if (one.sections.empty() && is_update) {
-        one.sections = {{runs.front().refusal ? "refused" : "log", "", {}}};
+        one.sections = {{runs.front().refusal.empty() ? "log" : "refused", "", {}}};
         if (!runs.front().reading().value.warnings.empty()) {
             one.sections.push_back({"warnings", "", {}});
         }
@@ -331,13 +336,13 @@ void run_sample(const fs::path& path) {
         add_option(run, "answer");
     }
     const auto reading = run.reading();
-    const auto moved = tools::move(run.text, run.move);
+    const auto moved = tools::move(run.text, run.journey);
     std::map<std::string, std::string> texts = {
         {".log", reading.value.log},
         {".warnings", ""},
-        {".refused", moved.refusal ? run.shown({*moved.refusal})[0] + "\n" : ""}};
-    for (const Message& warning : reading.value.warnings) {
-        texts[".warnings"] += std::to_string(warning.line) + ": warning: " + warning.text + "\n";
+        {".refused", moved.is_refused() ? run.shown(moved.refusal)[0] + "\n" : ""}};
+    for (const sdp::Diagnostic& warning : reading.value.warnings) {
+        texts[".warnings"] += std::to_string(warning.line) + ": warning: " + warning.message + "\n";
     }
     std::string problem = broken_property(run);
     for (const auto& [extension, text] : texts) {

@@ -31,13 +31,11 @@ std::string offer(const std::string& version, const std::string& attribute = "")
 
 // [side]
 sdp::CallSide call_side() {
-    sdp::Policy policy;
-    IPAddress::Parse("192.0.2.7", policy.address);
+    sdp::Policy policy{sdp::MediaAddress::parse("192.0.2.7").value()};
     // For output that is the same each time. Leave it out: keys come from here.
     policy.random = [](unsigned char* to, std::size_t size) { std::fill_n(to, size, '\1'); };
-    sdp::PublicPlan plan = {{}, 40000, 7000};
-    IPAddress::Parse("203.0.113.5", plan.address);
-    return sdp::CallSide(std::move(policy), std::move(plan));
+    const sdp::Plan plan = {sdp::MediaAddress::parse("203.0.113.5").value(), 40000, 7000};
+    return sdp::CallSide(std::move(policy), plan);
 }
 // [side]
 
@@ -46,8 +44,8 @@ sdp::CallSide call_side() {
 void answer(sdp::CallSide& side, const std::string& offer) {
     try {
         const sdp::Reply reply = side.answer(offer, sdp::Strictness::LENIENT);
-        for (const sdp::Warning& rejection : reply.rejections) {
-            std::cout << "line " << rejection.line << " rejected: " << rejection.message << '\n';
+        for (const sdp::Diagnostic& diagnostic : reply.diagnostics) {
+            std::cout << sdp::printed(diagnostic, "INVITE") << '\n';
         }
         std::cout << reply.log
                   << (reply.has_common ? "200 OK\n\n" + reply.text : "488 Not Acceptable Here\n");

@@ -86,7 +86,7 @@ class AnswerTest(ProgramCase):
                          [b"m=audio 32000 RTP/AVP 8", b"m=video 0 RTP/AVP 31",
                           b"m=audio 0 RTP/AVP 3", b"m=audio 0 RTP/AVP 8"])
         self.assertTrue(errors.startswith(
-            "standard input:8: rejected: its kind is not served\n"
+            "standard input:8: rejected: unsupported media type\n"
             "standard input:9: rejected: no codec in common\noffer: "), errors)
 
     def test_nothing_in_common(self):
@@ -96,17 +96,17 @@ class AnswerTest(ProgramCase):
 
     def test_warnings(self):
         offer = OFFER + b"a=ptime:soon\r\n"
-        message = "a=ptime: the value is no number from 0 to 2147483647"
+        message = "a=ptime: expected a number from 0 to 2147483647"
         errors = self.answer("-", text=offer)[1]
         self.assertEqual(errors, f"standard input:7: warning: {message}\n" + LOGS)
         self.assert_fails(1, f"standard input:7: {message}", "answer", *LOCAL, "--strict", "-",
                           text=offer)
 
     def test_refusals(self):
-        for text, message in ((b"", ": no session description: there is nothing in it"),
-                              (OFFER + b"broken\n", ":7: the line is not of the form x=value")):
+        for text, message in ((b"", ": the description is empty"),
+                              (OFFER + b"broken\n", ":7: expected a line of the form x=value")):
             self.assert_fails(1, "standard input" + message, "answer", *LOCAL, "-", text=text)
-        self.assert_fails(1, "the public ports of the answer run beyond 65535",
+        self.assert_fails(1, "the public ports of the answer exceed 65535",
                           "answer", *LOCAL, *PUBLIC[:2], "--audio-port=65535", "--fax-port=7000",
                           "-", text=OFFER)
         self.assert_fails(1, "/nowhere: No such file or directory", "answer", *LOCAL, "/nowhere")
@@ -153,10 +153,10 @@ class AnswerTest(ProgramCase):
         self.assertEqual(self.answer("--previous", "-", self.file.name, text=first)[0], first)
 
     def test_a_broken_previous_answer(self):
-        for text, message in ((b"v=0\r\nbroken\r\n", ":2: the line is not of the form x=value"),
-                              (b"", ": no session description: there is nothing in it"),
+        for text, message in ((b"v=0\r\nbroken\r\n", ":2: expected a line of the form x=value"),
+                              (b"", ": the description is empty"),
                               (b"SIP/2.0 200 OK\r\nContent-Type: application/sdp\r\n\r\nv=0\r\n"
-                               b"broken\r\n", ":5: the line is not of the form x=value")):
+                               b"broken\r\n", ":5: expected a line of the form x=value")):
             old = self.old(text)
             self.assert_fails(1, old + message, "answer", *LOCAL, "--previous", old, self.file.name)
         self.assert_fails(1, "/nowhere: No such file or directory", "answer", *LOCAL,
@@ -178,7 +178,7 @@ class AnswerTest(ProgramCase):
     def test_output_is_written_whole_or_not_at_all(self):
         out = self.directory / "out.sdp"
         out.write_bytes(b"before")
-        self.assert_fails(1, "standard input:7: the line is not of the form x=value", "answer",
+        self.assert_fails(1, "standard input:7: expected a line of the form x=value", "answer",
                           *LOCAL, "--output", str(out), "-", text=OFFER + b"broken")
         limits = ["sh", "-c", 'ulimit -f 0; trap "" XFSZ; exec "$@"', "sh"]
         got = self.program.run("answer", *LOCAL, "--output", str(out), self.file.name,

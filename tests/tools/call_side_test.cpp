@@ -20,7 +20,7 @@ sdp::Reply answer(sdp::CallSide& side, const std::string& offer) {
 }
 
 std::string version_of(const std::string& text) {
-    return std::to_string(sdp::origin_of(reading_of(text)).version);
+    return std::to_string(reading_of(text).origin.version);
 }
 
 std::string last_line(const std::string& log) {
@@ -37,12 +37,11 @@ TEST(CallSide, HasNothingToCompareItsFirstAnswerWith) {
 }
 
 TEST(CallSide, HasASessionOfItsOwn) {
-    sdp::Policy policy;
-    policy.address = ip("192.0.2.1");
+    const sdp::Policy policy{sdp::MediaAddress::parse("192.0.2.1").value()};
     sdp::CallSide first(policy);
     sdp::CallSide second(policy);
-    EXPECT_NE(sdp::origin_of(reading_of(answer(first, audio).text)).id,
-              sdp::origin_of(reading_of(answer(second, audio).text)).id);
+    EXPECT_NE(reading_of(answer(first, audio).text).origin.id,
+              reading_of(answer(second, audio).text).origin.id);
 }
 
 TEST(CallSide, AnswersTheSameOfferAgainWithTheSameKey) {
@@ -64,7 +63,7 @@ TEST(CallSide, RaisesTheVersionOnlyWhenItsTextChanges) {
     const sdp::Reply held = answer(side, inactive);
     EXPECT_EQ(version_of(held.text), "2");
     EXPECT_EQ(held.changed, true);
-    EXPECT_EQ(sdp::origin_of(reading_of(held.text)).id, sdp::origin_of(reading_of(first.text)).id);
+    EXPECT_EQ(reading_of(held.text).origin.id, reading_of(first.text).origin.id);
     EXPECT_EQ(version_of(answer(side, inactive).text), "2");
     EXPECT_EQ(version_of(answer(side, audio).text), "3");
 }
@@ -84,7 +83,7 @@ TEST(CallSide, ForgetsAnOfferWithNothingInCommon) {
     const sdp::Reply first = answer(side, audio);
     const sdp::Reply none = answer(side, video);
     EXPECT_FALSE(none.has_common);
-    EXPECT_EQ(none.rejections.size(), 1U);
+    EXPECT_EQ(none.diagnostics.size(), 1U);
     EXPECT_EQ(none.text.substr(none.text.find("m=")), "m=video 0 RTP/AVP 31\r\n");
     const sdp::Reply again = answer(side, audio);
     EXPECT_EQ(again.text, first.text);
@@ -101,19 +100,19 @@ TEST(CallSide, IsAsItWasAfterARefusal) {
     sdp::CallSide side(policy_at());
     const sdp::Reply first = answer(side, secure);
     EXPECT_EQ(refusal([&] { answer(side, audio + "broken"); }),
-              "7: the line is not of the form x=value");
+              "7: expected a line of the form x=value");
     EXPECT_EQ(refusal([&] { answer(side, audio + "a=ptime:soon"); }),
-              "7: a=ptime: the value is no number from 0 to 2147483647");
+              "7: a=ptime: expected a number from 0 to 2147483647");
     EXPECT_EQ(refusal([&] { side.resume("broken"); }),
-              "1: no session description: it does not begin with v=0");
+              "1: not a session description: the first line is not v=0");
     EXPECT_EQ(answer(side, secure).text, first.text);
 }
 
 TEST(CallSide, PassesWarningsOn) {
     sdp::CallSide side(policy_at());
     const sdp::Reply reply = side.answer(audio + "a=ptime:soon\r\n", sdp::Strictness::LENIENT);
-    ASSERT_EQ(reply.warnings.size(), 1U);
-    EXPECT_EQ(reply.warnings.front().line, 7U);
+    ASSERT_EQ(reply.diagnostics.size(), 1U);
+    EXPECT_EQ(reply.diagnostics.front().line, 7U);
 }
 
 // --- The public plan -----------------------------------------------------------------------------
@@ -136,10 +135,10 @@ TEST(CallSide, AnswersInThePublicPlan) {
 }
 
 TEST(CallSide, RefusesPublicPortsBeyondTheLast) {
-    const std::string message = "the public ports of the answer run beyond 65535";
+    const std::string message = "the public ports of the answer exceed 65535";
     const auto refusal_at = [](unsigned short audio_port, unsigned short fax_port,
                                const std::string& offer) -> std::string {
-        sdp::PublicPlan plan = public_plan();
+        sdp::Plan plan = public_plan();
         plan.audio_port = audio_port;
         plan.fax_port = fax_port;
         sdp::CallSide side(policy_at(), plan);
@@ -176,7 +175,7 @@ TEST(CallSide, GoesOnFromWhatWasSent) {
     const sdp::Reply other = answer(side, inactive);
     EXPECT_EQ(other.changed, true);
     EXPECT_EQ(version_of(other.text), "2");
-    EXPECT_EQ(sdp::origin_of(reading_of(other.text)).id, sdp::origin_of(reading_of(sent)).id);
+    EXPECT_EQ(reading_of(other.text).origin.id, reading_of(sent).origin.id);
 }
 
 TEST(CallSide, GoesOnFromAnyVersion) {
@@ -247,10 +246,10 @@ TEST(CallSide, AnswersAfterAnOfferOfItsOwn) {
 TEST(CallSide, RefusesAnAnswerWithOtherLines) {
     sdp::CallSide side(policy_at());
     side.offer();
-    const std::string message = "0: the answer has not as many lines as the offer";
+    const std::string message = "0: the answer and the offer have different numbers of media lines";
     EXPECT_EQ(refusal([&] { side.take_answer(session({})); }), message);
     EXPECT_EQ(refusal([&] { side.take_answer(audio + "m=video 5 RTP/AVP 31\r\n"); }), message);
-    EXPECT_EQ(refusal([&] { side.take_answer("v=0\r\n"); }), "1: no o= line follows");
+    EXPECT_EQ(refusal([&] { side.take_answer("v=0\r\n"); }), "1: the o= line is missing");
     EXPECT_EQ(refusal([&] { side.take_answer(audio); }), "accepted");
 }
 

@@ -76,7 +76,7 @@ class FilesTest(ProgramCase):
         self.assertEqual(status, 1)
         self.assertEqual(output.decode(), f"==> {name} <==\n{LOG_OF_OFFER}"
                          f"==> standard input <==\n{LOG_OF_OFFER}")
-        self.assertEqual(errors, f"{name}: status 0\nqova-sdp: {broken}:2: the line is not of the "
+        self.assertEqual(errors, f"{name}: status 0\nqova-sdp: {broken}:2: expected a line of the "
                          f"form x=value\n{broken}: status 1\nstandard input: status 0\n")
         status, output, errors = self.program.run("move", *PLAN, str(unended), name)
         self.assertEqual(status, 0)

@@ -96,9 +96,9 @@ private:
 
 std::optional<sdp::Move> move_of(const std::string& text) {
     try {
-        sdp::Plan plan = to_public;
+        Plan plan = to_public;
         plan.merge = true;
-        return sdp::move(text, plan);
+        return move_by(text, plan);
     } catch (const sdp::Refusal&) {
         return std::nullopt;
     }
@@ -111,12 +111,12 @@ TEST(SdpMoveOfAnyDescription, IsUndoneByTheReverseMoveOrRefused) {
     for (int i = 0; i < 20000; ++i) {
         const std::string text = descriptions.next();
         const auto move = move_of(text);
-        if (!move || move->old_address.empty()) {
+        if (!move || !move->old_address) {
             continue;
         }
         ++accepted_count;
         with_added_line += move->text.size() > text.size() + 17 ? 1 : 0;
-        ASSERT_EQ(moved(move->text, back_to(move->old_address)), text);
+        ASSERT_EQ(moved(move->text, back_to(old_address(*move))), text);
     }
     EXPECT_GT(accepted_count, 5000);
     EXPECT_GT(with_added_line, 500);

@@ -62,9 +62,8 @@ class ProgramTest(ProgramCase):
 
     def test_merge(self):
         text = OFFER + b"m=video 5 RTP/AVP 31\r\nc=IN IP4 10.0.0.2\r\n"
-        self.assert_fails(1, "standard input:8: the address differs from that of line 4: the move "
-                          "would make them one, and none parts them again (--merge does it "
-                          "nevertheless)", "move", *PLAN, "-", text=text)
+        self.assert_fails(1, "standard input:8: the address differs from that of line 4; moving "
+                          "both to one address cannot be undone (use --merge to allow it)", "move", *PLAN, "-", text=text)
         status, moved, errors = self.program.run("move", "--merge", *PLAN, "-", text=text)
         self.assertEqual((status, moved), (0, MOVED + b"m=video 5 RTP/AVP 31\r\n"
                                            b"c=IN IP4 203.0.113.5\r\n"))
@@ -74,12 +73,12 @@ class ProgramTest(ProgramCase):
         text = with_attribute(b"candidate:1 1 UDP 1 10.0.0.1 32000 typ host")
         status, _, errors = self.program.run("move", *PLAN, "-", text=text)
         self.assertEqual(status, 0)
-        warning = "an address that the move has left stays here"
+        warning = "this line still names the old address"
         self.assertTrue(errors.startswith("standard input:7: warning: " + warning + "\n"))
         self.assert_fails(1, "standard input:7: " + warning, "move", "--strict", *PLAN, "-",
                           text=text)
         text = with_attribute(b"ptime:soon")
-        message = "standard input:7: a=ptime: the value is no number from 0 to 2147483647"
+        message = "standard input:7: a=ptime: expected a number from 0 to 2147483647"
         self.assert_fails(1, message, "log", "--strict", "-", text=text)
         self.assert_fails(1, message, "move", "--strict", *PLAN, "-", text=text)
 
@@ -117,9 +116,9 @@ class ProgramTest(ProgramCase):
         self.assertEqual(self.program.run("move", *PLAN, "-", text=head + OFFER)[:2], (0, MOVED))
         _, _, errors = self.program.run("log", "-", text=head + with_attribute(b"ptime:soon"))
         self.assertTrue(errors.startswith("standard input:10: warning: a=ptime: "), errors)
-        self.assert_fails(1, "standard input:10: the line is not of the form x=value", "log", "-",
+        self.assert_fails(1, "standard input:10: expected a line of the form x=value", "log", "-",
                           text=head + OFFER + b"broken\r\n")
-        self.assert_fails(1, "standard input: no part of it is of type application/sdp",
+        self.assert_fails(1, "standard input: no body of type application/sdp",
                           "log", "-", text=head.replace(b"sdp", b"pidf+xml") + OFFER)
         file = self.directory / "message"
         file.write_bytes(head + OFFER)
@@ -177,22 +176,22 @@ class ProgramTest(ProgramCase):
                                   stdout=full)
 
     def test_no_description(self):
-        self.assert_refused(": no session description: there is nothing in it", b"")
-        self.assert_refused(":1: no session description: it does not begin with v=0", b"hello\n")
-        self.assert_refused(":1: no session description: it does not begin with v=0",
+        self.assert_refused(": the description is empty", b"")
+        self.assert_refused(":1: not a session description: the first line is not v=0", b"hello\n")
+        self.assert_refused(":1: not a session description: the first line is not v=0",
                             b"\x7fELF\0\0\0")
-        self.assert_refused(":1: no o= line follows", b"v=0\n")
+        self.assert_refused(":1: the o= line is missing", b"v=0\n")
 
     def test_bad_lines(self):
-        self.assert_refused(":6: the port is no number from 0 to 65535",
+        self.assert_refused(":6: m=: expected a port from 0 to 65535",
                             OFFER.replace(b"32000", b"65536"))
-        self.assert_refused(":4: the address is neither an IP address nor a host name",
+        self.assert_refused(":4: expected an IP address or a host name",
                             OFFER.replace(b"c=IN IP4 10.0.0.1", b"c=IN IP4 10.0.0.256"))
-        self.assert_refused(":7: the line is not of the form x=value", OFFER + b"broken\n")
+        self.assert_refused(":7: expected a line of the form x=value", OFFER + b"broken\n")
 
     def test_warnings(self):
         text = with_attribute(b"ptime:soon") + b"a=rtpmap:8 PCMA\r\n"
-        warnings = ("{0}:7: warning: a=ptime: the value is no number from 0 to 2147483647\n"
+        warnings = ("{0}:7: warning: a=ptime: expected a number from 0 to 2147483647\n"
                     "{0}:8: warning: a=rtpmap: the clock rate is missing\n")
         self.assertEqual(self.program.run("log", "-", text=text),
                          (0, LOG_OF_OFFER.encode(), warnings.format("standard input")))
@@ -207,9 +206,9 @@ class ProgramTest(ProgramCase):
         def refused(message, *plan):
             self.assert_fails(1, self.file.name + message, "move", *plan, self.file.name)
 
-        refused(":6: the move takes port 32001 to 65536", *PLAN[:2], "--audio-port", "65535",
+        refused(":6: the move would change port 32001 to 65536", *PLAN[:2], "--audio-port", "65535",
                 *PLAN[4:])
-        refused(":6: the move takes port 32000 to 0", "--back", *PLAN[:2], "--audio-port", "64000",
+        refused(":6: the move would change port 32000 to 0", "--back", *PLAN[:2], "--audio-port", "64000",
                 *PLAN[4:])
 
     def test_messages_show_no_keys(self):

@@ -73,15 +73,15 @@ void check_strict(const sdp::Reading& lenient, const std::string& text, sdp::Rol
     try {
         const sdp::Reading strict =
             sdp::read(sdp::Description(text), role, sdp::Strictness::STRICT);
-        if (!lenient.warnings.empty() || !strict.warnings.empty()) {
+        if (!lenient.diagnostics.empty() || !strict.diagnostics.empty()) {
             fail("a strict reading passes over a warning", text);
         }
         if (std::string(*strict.capability) != std::string(*lenient.capability)) {
             fail("a strict reading is another one", text);
         }
     } catch (const sdp::Refusal& refusal) {
-        if (lenient.warnings.empty() || refusal.line != lenient.warnings[0].line ||
-            refusal.what() != lenient.warnings[0].message) {
+        if (lenient.diagnostics.empty() || refusal.line != lenient.diagnostics[0].line ||
+            refusal.what() != lenient.diagnostics[0].message) {
             fail(std::string("a strict reading is refused for another reason: ") + refusal.what(),
                  text);
         }
@@ -97,7 +97,7 @@ std::optional<sdp::Reading> checked_read(const std::string& text, sdp::Role role
         return reading;
     }
     std::size_t last = 0;
-    for (const sdp::Warning& warning : reading->warnings) {
+    for (const sdp::Diagnostic& warning : reading->diagnostics) {
         check(warning.line, warning.message, text);
         if (warning.line < last) {
             fail("the warnings are not in the order of the lines", text);
@@ -108,16 +108,18 @@ std::optional<sdp::Reading> checked_read(const std::string& text, sdp::Role role
     return reading;
 }
 
-std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& plan) {
-    return unless_refused(text, [&] { return sdp::move(text, plan); });
+std::optional<sdp::Move> checked_move(const std::string& text, const sdp::Plan& plan,
+                                      const sdp::MoveOptions& options) {
+    return unless_refused(text, [&] { return sdp::move(text, plan, options); });
 }
 
-void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::Move& there) {
-    if (there.old_address.empty()) {
+void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::MoveOptions& options,
+                    const sdp::Move& there) {
+    if (!there.old_address) {
         return;  // there is none: it merged addresses, or went back to another plan
     }
-    const sdp::Plan back = {there.old_address, plan.audio_port, plan.fax_port, !plan.back};
-    const auto restored = checked_move(there.text, back);
+    const sdp::Plan back = {*there.old_address, plan.audio_port, plan.fax_port};
+    const auto restored = checked_move(there.text, back, {!options.back});
     if (!restored) {
         fail("the way back is refused", text);
     }
@@ -127,8 +129,9 @@ void check_way_back(const std::string& text, const sdp::Plan& plan, const sdp::M
     ++restored_count;
 }
 
-void check_move(const std::string& text, const std::string& log, const sdp::Plan& plan) {
-    const auto moved = checked_move(text, plan);
+void check_move(const std::string& text, const std::string& log, const sdp::Plan& plan,
+                const sdp::MoveOptions& options = {}) {
+    const auto moved = checked_move(text, plan, options);
     if (!moved) {
         return;
     }
@@ -143,20 +146,22 @@ void check_move(const std::string& text, const std::string& log, const sdp::Plan
     if (moved->log_after != std::string(*after->capability)) {
         fail("the log after the move is\n" + moved->log_after + "of\n" + moved->text, text);
     }
-    check_way_back(text, plan, *moved);
+    check_way_back(text, plan, options, *moved);
+}
+
+sdp::MediaAddress address_of(const char* text) {
+    return sdp::MediaAddress::parse(text).value();
 }
 
 // A side of a call whose random bytes are the same in every run.
 sdp::CallSide side_at(const char* address, bool has_plan) {
-    sdp::Policy policy;
-    IPAddress::Parse(address, policy.address);
+    sdp::Policy policy{address_of(address)};
     policy.random = [next = 0U](unsigned char* to, std::size_t size) mutable {
         std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next += 7); });
     };
-    std::optional<sdp::PublicPlan> plan;
+    std::optional<sdp::Plan> plan;
     if (has_plan) {
-        plan = {policy.address, 40000, 7000};
-        IPAddress::Parse("203.0.113.9", plan->address);
+        plan = sdp::Plan{address_of("203.0.113.9"), 40000, 7000};
     }
     return sdp::CallSide(policy, plan);
 }
@@ -164,14 +169,14 @@ sdp::CallSide side_at(const char* address, bool has_plan) {
 void check_answer_lines(const sdp::Reading& offer, const std::string& answer,
                         const std::string& text) {
     const auto strictness =
-        offer.warnings.empty() ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
+        offer.diagnostics.empty() ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
     const auto reading = read(answer, sdp::Role::ANSWER, strictness);
     if (!reading) {
         fail("the answer is refused:\n" + answer + "to", text);
     }
     if (!std::equal(offer.lines.begin(), offer.lines.end(), reading->lines.begin(),
                     reading->lines.end(), [](const auto& offered, const auto& answered) {
-                        return offered.kind == answered.kind &&
+                        return offered.type == answered.type &&
                                offered.transport == answered.transport &&
                                (offered.media == nullptr) == (answered.media == nullptr) &&
                                (offered.media == nullptr ||
@@ -218,17 +223,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         if (role == sdp::Role::OFFER) {
             ++read_count;
-            strict_count += reading->warnings.empty() ? 1 : 0;
+            strict_count += reading->diagnostics.empty() ? 1 : 0;
             const std::string log = *reading->capability;
-            for (const sdp::Plan& plan :
-                 {sdp::Plan{"203.0.113.9", 40000, 7000}, sdp::Plan{"2001:DB8::0:9", 31999, 6667},
-                  sdp::Plan{"10.0.0.1", 32000, 6666},
-                  sdp::Plan{"203.0.113.9", 32002, 6668, false, true},
-                  sdp::Plan{"203.0.113.9", 31990, 6000, true},
-                  sdp::Plan{"203.0.113.9", 40000, 7000, false, false, sdp::Role::OFFER,
-                            sdp::Strictness::STRICT}}) {
-                check_move(text, log, plan);
-            }
+            const sdp::MediaAddress to = address_of("203.0.113.9");
+            check_move(text, log, {to, 40000, 7000});
+            check_move(text, log, {address_of("2001:DB8::0:9"), 31999, 6667});
+            check_move(text, log, {address_of("10.0.0.1"), 32000, 6666});
+            check_move(text, log, {to, 32002, 6668}, {false, true});
+            check_move(text, log, {to, 31990, 6000}, {true});
+            check_move(text, log, {to, 40000, 7000},
+                       {false, false, sdp::Role::OFFER, sdp::Strictness::STRICT});
             check_answer(*reading, text, "10.0.0.1", false);
             check_answer(*reading, text, "10.0.0.1", true);
             check_answer(*reading, text, "2001:db8::1", false);

@@ -62,12 +62,12 @@ void read_video(const ReadLine& line, const Section& section, Diagnostics& warni
     }
 }
 
-void read_data(const ReadLine& line, bool is_rtp) {
+void read_data(const ReadLine& line) {
     for (const Payload& payload : line.payloads) {
         qova::append<QOVA_DataAttribute>(line.media->attributes).type =
             static_cast<int>(payload.type);
     }
-    for (std::size_t i = is_rtp ? 0 : line.formats.size(); i != 0; --i) {
+    for (std::size_t i = line.payloads.empty() ? line.formats.size() : 0; i != 0; --i) {
         qova::append<QOVA_DataAttribute>(line.media->attributes);
     }
 }
@@ -179,7 +179,7 @@ void read_media(const SessionDefaults& defaults, const MediaLine& media_line,
         attribute_type = QOVA_Media::AT_VIDEO;
         read_video(line, section, warnings);
     } else {
-        read_data(line, media_line.is_rtp);
+        read_data(line);
     }
     for (QOVA_MediaAttribute* const attribute : media.attributes) {
         attribute->attributeType = attribute_type;

@@ -12,6 +12,9 @@ namespace tools {
 namespace {
 
 constexpr char separator[] = " $/ ";
+const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[^$])");
+const std::regex blanks("[ \t]+");
+const std::regex origin("^v=0\r\no=- \\d+ 1 ");  // the number of an answerer's session is random
 const std::string arrow = " => ";
 
 bool begins(const std::string& line, const std::string& with) {
@@ -192,7 +195,6 @@ Lines matching(const Lines& lines, const std::string& pattern) {
 }
 
 std::string unescaped(const Lines& lines) {
-    static const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[^$])");
     std::string text;
     for (std::string line : lines) {
         std::string ending = "\r\n";
@@ -250,14 +252,11 @@ std::string with_head(const std::string& text) {
 }
 
 std::string without_head(const std::string& text, const std::string& address) {
-    // The number of an answerer's session is a random one.
-    static const std::regex origin("^v=0\r\no=- \\d+ 1 ");
     const std::string usual = std::regex_replace(text, origin, "v=0\r\no=- 1 1 ");
     return begins(usual, head(address)) ? usual.substr(head(address).size()) : text;
 }
 
 Lines plain_lines(const std::string& text) {
-    static const std::regex blanks("[ \t]+");
     Lines lines = split(text, "\n");
     for (std::string& line : lines) {
         line = std::regex_replace(line, blanks, " ");

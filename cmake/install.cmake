@@ -24,6 +24,24 @@ if(QOVA_COMPANION_TARGET STREQUAL "")
     set(companion_libs " -lqova_companion")
 endif()
 
+# The component "tools". It needs sofia-sip to link, but no header of it to compile.
+if(TARGET qova_sdp)
+    foreach(room sdp move answer)
+        set_target_properties(qova_${room} PROPERTIES
+            EXPORT_NAME ${room} POSITION_INDEPENDENT_CODE ON)
+        target_include_directories(qova_${room} PUBLIC
+            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qova-tools>)
+        install(TARGETS qova_${room} EXPORT qovaToolsTargets)
+    endforeach()
+    install(FILES tools/sdp/diagnostics.h tools/sdp/message.h tools/sdp/plan.h tools/sdp/reader.h
+        tools/sdp/strings.h tools/sdp/text.h tools/sdp/writer.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/sdp)
+    install(FILES tools/move/mover.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/move)
+    install(FILES tools/answer/answerer.h tools/answer/call_side.h tools/answer/changes.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-tools/answer)
+    install(EXPORT qovaToolsTargets NAMESPACE qova:: DESTINATION ${package_dir})
+endif()
+
 configure_package_config_file(cmake/qovaConfig.cmake.in qovaConfig.cmake
     INSTALL_DESTINATION ${package_dir}
     NO_SET_AND_CHECK_MACRO)
@@ -43,9 +61,10 @@ endif()
 if(TARGET qova-sdp)
     set(libraries_from_bin ${CMAKE_INSTALL_FULL_LIBDIR})
     cmake_path(RELATIVE_PATH libraries_from_bin BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR})
-    set_target_properties(qova-sdp PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_bin}")
-    install(TARGETS qova-sdp)
-    install(FILES tools/qova-sdp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    set_target_properties(qova-sdp qova-answer PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${libraries_from_bin}")
+    install(TARGETS qova-sdp qova-answer)
+    install(FILES tools/qova-sdp.1 tools/qova-answer.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 
 # All pages keep their place to each other, so that the links between them hold.
@@ -60,6 +79,7 @@ set(CPACK_PACKAGE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/packages)
 set(CPACK_PACKAGE_VENDOR qova)
 set(CPACK_PACKAGE_CONTACT "libqova's maintainers <root@localhost>")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS libsofia-sip-ua-dev)  # to link the component "tools"
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
 set(CPACK_PACKAGE_FILE_NAME qova-${PROJECT_VERSION}-${CMAKE_LIBRARY_ARCHITECTURE})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Calls that qova-answer gets from sipp, over TCP on loopback.
+"""Calls from sipp to qova-answer, over TCP on loopback.
 
 usage: calls_test.py QOVA_ANSWER SIPP [TESTS]
 """
@@ -23,12 +23,12 @@ def description(*media, session=("c=IN IP4 127.0.0.1",), version=1):
 
 
 AUDIO = ["m=audio 30000 RTP/AVP 8 0 101", "a=rtpmap:101 telephone-event/8000"]
-FAX = ["m=image 30000 udptl t38", "a=T38FaxVersion:0", "a=T38MaxBitRate:14400",
-       "a=T38FaxUdpEC:t38UDPRedundancy"]
 CALL = description(*AUDIO)
+BROKEN = description("m=audio x RTP/AVP 8")
 ANSWERED = ["^m=audio 32000 RTP/AVP 8 0 101$", "^a=rtpmap:101 telephone-event/8000$",
             "^c=IN IP4 127.0.0.1$"]
 BOTH_WAYS = ["!^a=sendonly$", "!^a=recvonly$", "!^a=inactive$"]
+METHODS = "^Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, UPDATE$"
 
 
 def version(number):
@@ -48,13 +48,13 @@ class CallCase(unittest.TestCase):
         self.addCleanup(server.stop)
         return server
 
-    def call(self, scenario, server):
-        errors = sipp.run(self.sipp_program, scenario, server)
+    def call(self, scenario, server, *options):
+        errors = sipp.run(self.sipp_program, scenario, server, *options)
         if errors:
             self.fail(errors + server.log)
 
     def check(self, scenario, *options, **where):
-        """One call, after which the program stops. Returns its log."""
+        """Makes one call, stops the program, and returns its log."""
         server = self.serve(*options, **where)
         self.call(scenario, server)
         self.assertEqual(server.stop(), 0, server.log)
@@ -62,42 +62,33 @@ class CallCase(unittest.TestCase):
 
 
 class Answers(CallCase):
-    def test_audio_and_video(self):
+    def test_accepted_and_rejected_lines(self):
         call = sipp.Scenario()
-        call.exchange("INVITE", "200", *ANSWERED, *BOTH_WAYS, version(1),
-                      "^m=video 0 RTP/AVP 31$", "^Content-Type: application/sdp$",
+        call.exchange("INVITE", "200", *ANSWERED, *BOTH_WAYS, version(1), "^m=video 0 RTP/AVP 31$",
+                      "^Content-Type: application/sdp$",
                       "^Contact: <sip:127.0.0.1:[0-9]+;transport=tcp>$",
-                      body=description(*AUDIO, "m=video 30002 RTP/AVP 31", "a=ptime:soon"))
+                      body=description(*AUDIO, "a=ptime:soon", "m=video 30002 RTP/AVP 31"))
         call.exchange("BYE", "200")
-        log = self.check(call)
-        self.assertIn("call 1: INVITE:8: rejected: unsupported media type\n", log)
-        self.assertIn("call 1: offer: Capability(offer, Not Hold, silenceSuppSdp=no)\n", log)
-        self.assertIn("call 1: \t-> media(Audio)/Accepted @127.0.0.1/snd=32000~32001/", log)
-        self.assertTrue(log.endswith("call 1: INVITE: accepted\ncall 1: ACK\ncall 1: BYE\ncall 1: "
-                                     "ended\n"), log)
-
-    def test_warning(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", *ANSWERED, body=[*CALL, "a=ptime:soon"])
-        call.exchange("BYE", "200")
-        self.assertIn("call 1: INVITE:8: warning: a=ptime: ", self.check(call))
-
-    def test_strict(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "400", body=[*CALL, "a=ptime:soon"])
-        self.assertIn("call 1: INVITE:8: refused with 400: a=ptime: ", self.check(call, "--strict"))
+        self.assertRegex(self.check(call), "(?s)\\A"
+                         "call 1: INVITE:8: warning: a=ptime: [^\n]+\n"
+                         "call 1: INVITE:9: rejected: [^\n]+\n"
+                         "call 1: offer: Capability\\(offer, Not Hold, silenceSuppSdp=no\\)\n.*"
+                         "call 1: \t-> media\\(Audio\\)/Accepted @127.0.0.1/snd=32000~32001/.*"
+                         "call 1: INVITE: accepted\ncall 1: ACK\ncall 1: BYE\ncall 1: ended\n\\Z")
 
     def test_options_of_the_answer(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", "^m=audio 40000 RTP/AVP 0 101$", "^m=image 0 udptl t38$",
-                      "^c=IN IP4 203.0.113.5$", body=description(*AUDIO, *FAX))
+                      "^c=IN IP4 203.0.113.5$", body=[*CALL, "m=image 30000 udptl t38"])
+        call.exchange("INVITE", "400", body=[*CALL, "a=ptime:soon"])
         call.exchange("BYE", "200")
         log = self.check(call, "--codec", "PCMU", "--no-fax", "--local", "192.0.2.7", "--public",
-                         "203.0.113.5", "--audio-port", "40000", "--fax-port", "7000")
+                         "203.0.113.5", "--audio-port", "40000", "--fax-port", "7000", "--strict")
         self.assertIn("call 1: \t-> media(Audio)/Accepted @192.0.2.7/snd=32000", log)
         self.assertIn("call 1: public: Capability(answer, ", log)
+        self.assertIn("call 1: INVITE:8: refused with 400: a=ptime: ", log)
 
-    def test_no_offer(self):
+    def test_invite_without_an_offer(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", "^m=audio 32000 RTP/AVP 8 0 ", version(1),
                       answer=description("m=audio 30000 RTP/AVP 8"))
@@ -108,32 +99,22 @@ class Answers(CallCase):
         self.assertIn("call 1: offer: Capability(offer, ", log)
         self.assertIn("call 1: ACK\ncall 1: answer: Capability(answer, ", log)
 
-    def test_no_answer_in_the_ack(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", "^m=audio 32000 ")
-        call.expect("BYE")
-        call.respond()
-        self.assertIn("call 1: ACK\ncall 1: ACK: the call ends: no answer to the offer of our own\n"
-                      "call 1: ended\n", self.check(call))
+    def test_ack_without_a_valid_answer(self):
+        for answer, error in (((), "ACK: hanging up: no answer to our offer"),
+                              (BROKEN, "ACK:6: hanging up: [^\n]+")):
+            call = sipp.Scenario()
+            call.exchange("INVITE", "200", "^m=audio 32000 ", answer=answer)
+            call.expect("BYE")
+            call.respond()
+            self.assertRegex(self.check(call), f"call 1: ACK\ncall 1: {error}\ncall 1: ended\n\\Z")
 
-    def test_broken_answer_in_the_ack(self):
+    def test_options_request(self):
         call = sipp.Scenario()
-        call.exchange("INVITE", "200", "^m=audio 32000 ", answer=description("m=audio x RTP/AVP 8"))
-        call.expect("BYE")
-        call.respond()
-        self.assertIn("call 1: ACK:6: the call ends: m=: expected a port from 0 to 65535\n",
-                      self.check(call))
-
-    def test_options(self):
-        call = sipp.Scenario()
-        call.exchange("OPTIONS", "200", "^Accept: application/sdp$",
-                      "^Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, UPDATE$")
+        call.exchange("OPTIONS", "200", "^Accept: application/sdp$", METHODS)
         self.check(call)
-
-    def test_options_within_a_call(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", body=CALL)
-        call.exchange("OPTIONS", "200", "^Accept: application/sdp$")
+        call.exchange("OPTIONS", "200", METHODS)
         call.exchange("INVITE", "200", *ANSWERED, version(1), body=CALL)
         call.exchange("BYE", "200")
         self.check(call)
@@ -146,17 +127,13 @@ class Answers(CallCase):
         call.exchange("BYE", "200")
         self.check(call, listen="sip:[::1]:0;transport=tcp")
 
-    def test_secure_audio(self):
-        def offer(sdp_version, *attributes):
-            return description("m=audio 30000 RTP/SAVP 8",
-                               f"a=crypto:3 AES_CM_128_HMAC_SHA1_80 inline:{KEY}", *attributes,
-                               version=sdp_version)
+    def test_log_shows_no_keys(self):
+        offer = description("m=audio 30000 RTP/SAVP 8",
+                            f"a=crypto:3 AES_CM_128_HMAC_SHA1_80 inline:{KEY}")
         call = sipp.Scenario()
-        own_key = "^a=crypto:3 AES_CM_128_HMAC_SHA1_80 inline:[A-Za-z0-9+/]{40}$"
-        call.exchange("INVITE", "200", "^m=audio 32000 RTP/SAVP 8$", own_key, f"!{KEY}",
-                      body=offer(1))
-        call.exchange("INVITE", "200", "^a=recvonly$", own_key, body=offer(2, "a=sendonly"))
-        call.exchange("INVITE", "400", body=offer(3, "a=broken\nline"))
+        call.exchange("INVITE", "200", "^m=audio 32000 RTP/SAVP 8$", f"!{KEY}",
+                      "^a=crypto:3 AES_CM_128_HMAC_SHA1_80 inline:[A-Za-z0-9+/]{40}$", body=offer)
+        call.exchange("INVITE", "400", body=[*offer, "a=broken\nline"])
         call.exchange("BYE", "200")
         log = self.check(call)
         self.assertIn("Crypto attributes (1) :", log)
@@ -167,62 +144,16 @@ class Changes(CallCase):
     def test_hold_and_resume(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", *BOTH_WAYS, version(1), body=CALL)
-        call.exchange("INVITE", "200", *ANSWERED, "^a=recvonly$", version(2),
-                      body=audio("sendonly", 2))
-        call.exchange("INVITE", "200", *ANSWERED, "^a=inactive$", version(3),
-                      body=audio("inactive", 3))
-        call.exchange("INVITE", "200", *ANSWERED, *BOTH_WAYS, version(4),
-                      body=audio("sendrecv", 4))
-        call.exchange("BYE", "200")
-        log = self.check(call)
-        self.assertEqual(log.count("since the last answer: changed\n"), 3)
-        self.assertEqual(re.findall(r"answer: Capability\(answer, (Hold|Not Hold),", log),
-                         ["Not Hold", "Not Hold", "Hold", "Not Hold"])
-
-    def test_hold_by_an_unspecified_address(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", *BOTH_WAYS, body=CALL)
-        call.exchange("INVITE", "200", *ANSWERED, "^a=recvonly$", version(2),
-                      body=description(*AUDIO, session=["c=IN IP4 0.0.0.0"], version=2))
-        call.exchange("INVITE", "200", *ANSWERED, *BOTH_WAYS, version(3),
-                      body=description(*AUDIO, version=3))
-        call.exchange("BYE", "200")
-        self.check(call)
-
-    def test_fax_and_back(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", *ANSWERED, body=CALL)
-        call.exchange("INVITE", "200", "^m=audio 0 RTP/AVP 8$", "^m=image 6666 udptl t38$",
-                      "^a=T38MaxBitRate:14400$", "^a=T38FaxUdpEC:t38UDPRedundancy$", version(2),
-                      body=description("m=audio 0 RTP/AVP 8", *FAX, version=2))
-        call.exchange("INVITE", "200", *ANSWERED, "^m=image 0 udptl t38$", version(3),
-                      body=description(*AUDIO, "m=image 0 udptl t38", version=3))
-        call.exchange("BYE", "200")
-        log = self.check(call)
-        self.assertIn("media(Fax)/Accepted @127.0.0.1/snd=6666~6667/", log)
-
-    def test_unchanged_offers(self):
-        """The same text once more, and another text of the same media."""
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", *ANSWERED, version(1), body=CALL)
-        call.exchange("INVITE", "200", *ANSWERED, version(1), body=CALL)
-        call.exchange("INVITE", "200", *ANSWERED, version(1), body=description(*AUDIO, version=2))
-        call.exchange("BYE", "200")
-        log = self.check(call)
-        self.assertEqual(log.count("call 1: since the last offer: unchanged\n"
-                                   "call 1: since the last answer: unchanged\n"), 2, log)
-
-    def test_update(self):
-        call = sipp.Scenario()
-        call.exchange("INVITE", "200", *ANSWERED, "^Allow: .*UPDATE", body=CALL)
-        call.exchange("UPDATE", "200", *ANSWERED, "^a=recvonly$", version(2),
-                      body=audio("sendonly", 2))
+        call.exchange("INVITE", "200", "^a=recvonly$", version(2), body=audio("sendonly", 2))
+        call.exchange("UPDATE", "200", "^a=inactive$", version(3), body=audio("inactive", 3))
         call.exchange("UPDATE", "200", "^Content-Length: 0$", "!application/sdp")
-        call.exchange("UPDATE", "400", body=description("m=audio x RTP/AVP 8"))
-        call.exchange("UPDATE", "200", *ANSWERED, *BOTH_WAYS, version(3),
-                      body=audio("sendrecv", 3))
+        call.exchange("INVITE", "200", *BOTH_WAYS, version(4), body=audio("sendrecv", 4))
+        call.exchange("INVITE", "200", *ANSWERED, version(4), body=audio("sendrecv", 4))
         call.exchange("BYE", "200")
-        self.assertIn("call 1: UPDATE: accepted\n", self.check(call))
+        log = self.check(call)
+        self.assertEqual(re.findall(r"since the last answer: (\w+)\n", log),
+                         ["changed"] * 3 + ["unchanged"])
+        self.assertIn("call 1: UPDATE: accepted\n", log)
 
     def test_update_while_an_offer_is_open(self):
         call = sipp.Scenario()
@@ -231,42 +162,39 @@ class Changes(CallCase):
         call.exchange("UPDATE", "491", body=CALL)
         call.send("ACK", *description("m=audio 30000 RTP/AVP 8"), sequence=1)
         call.exchange("BYE", "200")
-        self.check(call)
+        self.assertIn("call 1: UPDATE: refused with 491: our own offer has not been answered yet\n",
+                      self.check(call))
 
 
 class Refusals(CallCase):
-    def check_refusals(self, error, exchange):
-        """Of a first INVITE, and of another one, which leaves the call as it was."""
+    def check_refusals(self, error, status, *checks, **request):
+        """Of a first INVITE, and of a later one, which leaves the call as it was."""
         first = sipp.Scenario()
-        exchange(first)
-        self.assertRegex(self.check(first), f"call 1: {error}\n(.*\n)*call 1: ended\n")
+        first.exchange("INVITE", status, *checks, **request)
+        error = f"call 1: INVITE{error}\n"
+        self.assertRegex(self.check(first), f"(?s){error}.*call 1: ended\n\\Z")
         later = sipp.Scenario()
         later.exchange("INVITE", "200", *ANSWERED, version(1), body=CALL)
-        exchange(later)
+        later.exchange("INVITE", status, *checks, **request)
         later.exchange("INVITE", "200", *ANSWERED, version(1), body=CALL)
         later.exchange("BYE", "200")
-        self.assertRegex(self.check(later), f"call 1: {error}\n(.*\n)*call 1: since the last "
-                         "answer: unchanged\n")
+        self.assertRegex(self.check(later),
+                         f"(?s){error}.*call 1: since the last answer: unchanged\n")
 
     def test_broken_offer(self):
-        self.check_refusals(
-            "INVITE:6: refused with 400: m=: expected a port from 0 to 65535",
-            lambda call: call.exchange(
-                "INVITE", "400", "^Warning: 399 qova-answer \"line 6: m=: expected a port from 0 "
-                "to 65535\"$", body=description("m=audio x RTP/AVP 8")))
+        self.check_refusals(":6: refused with 400: [^\n]+", "400",
+                            "^Warning: 399 qova-answer \"line 6: [^\"]+\"$", body=BROKEN)
 
     def test_another_content_type(self):
-        self.check_refusals(
-            "INVITE: refused with 415: its body is no application/sdp",
-            lambda call: call.exchange("INVITE", "415", "^Accept: application/sdp$", body=["hello"],
-                                       kind="text/plain"))
+        self.check_refusals(": refused with 415: unsupported content type", "415",
+                            "^Accept: application/sdp$",
+                            "^Warning: 399 qova-answer \"unsupported content type\"$",
+                            body=["hello"], kind="text/plain")
 
     def test_nothing_in_common(self):
-        self.check_refusals(
-            "INVITE:6: refused with 488: no codec in common",
-            lambda call: call.exchange(
-                "INVITE", "488", "^Warning: 399 qova-answer \"line 6: no codec in common\"$",
-                body=description("m=audio 30000 RTP/AVP 3")))
+        self.check_refusals(":6: refused with 488: no codec in common", "488",
+                            "^Warning: 399 qova-answer \"line 6: no codec in common\"$",
+                            body=description("m=audio 30000 RTP/AVP 3", "m=video 5 RTP/AVP 31"))
 
     def test_unknown_extension(self):
         for extension in ("somersault", "timer", "100rel"):
@@ -275,15 +203,9 @@ class Refusals(CallCase):
                           headers=[f"Require: {extension}"])
             self.check(call)
 
-    def test_unknown_method(self):
-        call = sipp.Scenario()
-        call.exchange("MESSAGE", "405", "^Allow: INVITE, ACK, BYE, CANCEL, OPTIONS, UPDATE$",
-                      body=["hello"], kind="text/plain")
-        self.check(call)
-
 
 class Ends(CallCase):
-    def test_memory_is_given_back(self):
+    def test_memory_is_freed(self):
         calls = sipp.Scenario(), sipp.Scenario()
         calls[0].exchange("INVITE", "200", body=CALL)
         calls[0].exchange("BYE", "200")
@@ -292,8 +214,7 @@ class Ends(CallCase):
             server = self.serve()
             heaps = []
             for number in ("20", "200"):
-                self.assertEqual(
-                    sipp.run(self.sipp_program, call, server, "-m", number, "-r", "1000"), "")
+                self.call(call, server, "-m", number, "-r", "1000")
                 heaps.append(server.statistics()[2])
             self.assertLess(heaps[1] - heaps[0], 100000)
 
@@ -304,7 +225,7 @@ class Ends(CallCase):
         call.exchange("BYE", "200")
         self.assertTrue(self.check(call).endswith("call 1: ended\n"))
 
-    # What sipp cannot do: send two requests in one piece, or leave one without a response.
+    # sipp cannot send two requests at once, or leave one without a response.
 
     def connect(self, server):
         host, port = server.address.split(":")
@@ -333,7 +254,6 @@ class Ends(CallCase):
         return got
 
     def test_cancel(self):
-        """Together with its INVITE, as every INVITE is answered at once."""
         server = self.serve()
         connection = self.connect(server)
         connection.sendall(self.request(connection, server, "INVITE", *CALL) +
@@ -355,7 +275,7 @@ class Ends(CallCase):
         server.process.send_signal(signal.SIGTERM)
         self.receive(connection, rb"BYE sip:caller@")
         self.assertEqual(server.stop(), 1)
-        self.assertTrue(server.log.endswith("qova-answer: 1 calls have not ended\n"), server.log)
+        self.assertTrue(server.log.endswith("qova-answer: calls that did not end: 1\n"), server.log)
 
     def test_signals_end_calls(self):
         for with_signal in (signal.SIGTERM, signal.SIGINT):
@@ -374,25 +294,24 @@ class Ends(CallCase):
             self.assertTrue(server.log.endswith("call 1: ended\n"), server.log)
 
 
-class Log(CallCase):
+class Output(CallCase):
     def test_quiet(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", body=[*CALL, "a=ptime:soon"])
-        call.exchange("INVITE", "400", body=description("m=audio x RTP/AVP 8"))
+        call.exchange("INVITE", "400", body=BROKEN)
         call.exchange("BYE", "200")
-        self.assertEqual(self.check(call, "--quiet"), "call 1: INVITE:6: refused with 400: m=: "
-                         "expected a port from 0 to 65535\n")
+        self.assertRegex(self.check(call, "--quiet"),
+                         "\\Acall 1: INVITE:6: refused with 400: [^\n]+\n\\Z")
 
     def test_no_control_characters_of_a_description(self):
         call = sipp.Scenario()
-        call.exchange("INVITE", "200",
-                      body=[*CALL, "m=text 30004 RTP/AVP 98", "a=title:\x1b(0"])
+        call.exchange("INVITE", "200", body=[*CALL, "m=text 30004 RTP/AVP 98", "a=title:\x1b(0"])
         call.exchange("BYE", "200")
         log = self.check(call)
         self.assertIn("call 1: m=text 30004 RTP/AVP 98\ncall 1: a=title:?(0\n", log)
         self.assertNotRegex(log, r"[^\t\n -~]")
 
-    def test_calls_are_told_apart(self):
+    def test_each_line_has_the_number_of_its_call(self):
         call = sipp.Scenario()
         call.exchange("INVITE", "200", body=CALL)
         call.exchange("BYE", "200")
@@ -405,56 +324,19 @@ class Log(CallCase):
         self.assertEqual(first, second)
         self.assertEqual(len(first) + len(second) + 1, server.log.count("\n"))
 
-
-class CommandLine(CallCase):
-    def run_program(self, *arguments, stdout=subprocess.PIPE, environment=None):
-        done = subprocess.run([self.program, *arguments], stdout=stdout, stderr=subprocess.PIPE,
-                              text=True, timeout=sipp.SECONDS, check=False, env=environment)
-        return done.returncode, done.stdout, done.stderr
-
-    def assert_fails(self, status, message, *arguments, **options):
-        got_status, output, errors = self.run_program(*arguments, **options)
-        self.assertEqual(errors, "qova-answer: " + message + "\n")
-        self.assertEqual((got_status, output or ""), (status, ""))
-
-    def test_port_that_is_taken(self):
+    def test_cannot_start(self):
         uri = self.serve().uri
-        # sofia-sip leaks what it has made until then.
-        self.assert_fails(1, f"cannot listen on {uri}: Address already in use", "--listen", uri,
-                          environment=os.environ | {"ASAN_OPTIONS": "detect_leaks=0"})
-
-    def test_misuse(self):
-        for message, *arguments in (
-                ("qova-answer has no option --output", "--output", "x"),
-                ("qova-answer takes options only, and no file", "file"),
-                ("--listen needs a value", "--listen"),
-                ("--quiet is given twice", "--quiet", "--quiet"),
-                ("--fax is given twice", "--fax", "--fax"),
-                ("--codec: there is no codec GSM", "--codec", "GSM"),
-                ("--local: host is no unicast IPv4 or IPv6 address", "--local", "host"),
-                ("--audio-port: 0 is no port from 1 to 65535", "--audio-port", "0"),
-                ("a public plan needs --fax-port", "--public", "192.0.2.1", "--audio-port", "1"),
-                ("--public: ::1 is of another family than 127.0.0.1", "--public", "::1",
-                 "--audio-port", "1", "--fax-port", "1"),
-                ("--listen: sip:0.0.0.0 has no unicast address: say --local", "--listen",
-                 "sip:0.0.0.0"),
-                *((f"--listen: {uri} is no URI such as sip:127.0.0.1:5080;transport=tcp",
-                   "--listen", uri)
-                  for uri in ("", "host", "http://127.0.0.1", "sip:127.0.0.1:65536"))):
-            self.assert_fails(2, message + " (see qova-answer --help)", *arguments)
-
-    def test_help_and_version(self):
-        status, output, errors = self.run_program("--help")
-        self.assertEqual((status, errors), (0, ""))
-        self.assertTrue(output.startswith("usage: qova-answer [OPTION]...\n"))
-        status, output, errors = self.run_program("--version")
-        self.assertEqual((status, errors), (0, ""))
-        self.assertRegex(output, r"\Aqova-answer \d+\.\d+\.\d+\n\Z")
-
-    def test_full_output(self):
-        with open("/dev/full", "w", encoding="ascii") as full:
-            self.assert_fails(1, "standard output: No space left on device", "--listen",
-                              "sip:127.0.0.1:0;transport=tcp", stdout=full)
+        with open("/dev/full", "wb") as full:
+            for message, where, stdout in (
+                    (f"cannot listen on {uri}: Address already in use", uri, subprocess.PIPE),
+                    ("standard output: No space left on device", "sip:127.0.0.1:0;transport=tcp",
+                     full)):
+                # sofia-sip leaks if it cannot listen.
+                done = subprocess.run([self.program, "--listen", where], stdout=stdout,
+                                      stderr=subprocess.PIPE, timeout=sipp.SECONDS, check=False,
+                                      env=os.environ | {"ASAN_OPTIONS": "detect_leaks=0"})
+                self.assertEqual((done.returncode, done.stdout or b"", done.stderr.decode()),
+                                 (1, b"", f"qova-answer: {message}\n"))
 
 
 if __name__ == "__main__":

@@ -1,224 +1,166 @@
 #include "cli/options.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <exception>
 #include <iterator>
 #include <set>
 #include <utility>
+#include <variant>
 
-#include "cli/files.h"
-#include "qova/export.h"
 #include "sdp/audio.h"
 #include "sdp/strings.h"
 
-const char usage[] =
-    "usage: qova-sdp log [OPTION]... FILE...\n"
-    "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]... FILE...\n"
-    "       qova-sdp answer --local ADDRESS [OPTION]... OFFER\n"
-    "       qova-sdp --help | --version\n"
-    "\n"
-    "Reads a session description (SDP) from each FILE, or from standard input for \"-\". It may\n"
-    "stand in a SIP message or in a multipart body.\n"
-    "\n"
-    "log     prints the media capability that it describes.\n"
-    "move    moves it from the local address and port plan to a public one, and prints the moved\n"
-    "        description; on standard error its capability, and the command that moves it back.\n"
-    "answer  prints an answer to it; on standard error the capabilities of both, which lines are\n"
-    "        rejected, and why.\n"
-    "\n"
-    "  --answer           it is an answer, not an offer (log and move)\n"
-    "  --strict           refuse what is only warned of otherwise\n"
-    "  --output FILE      write to FILE, whole or not at all, instead of standard output\n"
-    "  -h, --help         print this text\n"
-    "  --version          print the version\n"
-    "\n"
-    "For move:\n"
-    "  --address ADDRESS  the new IPv4 or IPv6 address\n"
-    "  --audio-port N     the public port that stands for local audio port 32000\n"
-    "  --fax-port N       the public port that stands for local fax port 6666\n"
-    "  --back             the reverse: from the public plan to the local one\n"
-    "  --merge            let lines of several addresses become lines of one, for good\n"
-    "  --verbose          print the capability before the move too\n"
-    "\n"
-    "For answer:\n"
-    "  --local ADDRESS    the local IPv4 or IPv6 address\n"
-    "  --codec NAME       accept this codec; may be repeated; without it all are accepted: PCMA,\n"
-    "                     PCMU, G723, G729, G729A, G722, AMR-WB, opus\n"
-    "  --fax, --no-fax    accept T.38 fax, or reject it; it is accepted unless told otherwise\n"
-    "  --previous FILE    the answer of before: says whether anything changed since, and keeps "
-    "the\n"
-    "                     session\n"
-    "  --public ADDRESS   answer in the public plan that has this address, with\n"
-    "  --audio-port N     the public port that stands for local audio port 32000, and\n"
-    "  --fax-port N       the public port that stands for local fax port 6666\n"
-    "\n"
-    "Exit status: 0 done, 1 a description was refused or could not be read or written, 2 the\n"
-    "command line is wrong.\n";
-
-const char server_usage[] =
-    "usage: qova-answer [OPTION]...\n"
-    "\n"
-    "Answers SIP calls, until it is told to stop by SIGINT or SIGTERM: then it ends its calls.\n"
-    "It prints \"listening on URI\" when it can be called; on standard error it logs what is\n"
-    "offered and answered, each line with the number of its call. It sends and plays no media.\n"
-    "\n"
-    "  --listen URI       where it is called; sip:127.0.0.1:5080;transport=tcp unless told\n"
-    "                     otherwise; port 0 is any that is free\n"
-    "  --local ADDRESS    the local IPv4 or IPv6 address of its media; unless told otherwise the\n"
-    "                     one that it listens on\n"
-    "  --codec NAME       accept this codec; may be repeated; without it all are accepted: PCMA,\n"
-    "                     PCMU, G723, G729, G729A, G722, AMR-WB, opus\n"
-    "  --fax, --no-fax    accept T.38 fax, or reject it; it is accepted unless told otherwise\n"
-    "  --public ADDRESS   answer in the public plan that has this address, with\n"
-    "  --audio-port N     the public port that stands for local audio port 32000, and\n"
-    "  --fax-port N       the public port that stands for local fax port 6666\n"
-    "  --strict           refuse what is only warned of otherwise\n"
-    "  --quiet            log errors only\n"
-    "  -h, --help         print this text\n"
-    "  --version          print the version\n"
-    "\n"
-    "On SIGUSR1 it logs how many calls it has had, the heap in use, the processor time, and how\n"
-    "much of that it took to read, answer, write and compare descriptions.\n"
-    "\n"
-    "Exit status: 0 stopped, 1 it cannot listen or some calls did not end, 2 the command line is\n"
-    "wrong.\n";
-
 namespace {
 
-unsigned short port_of(const std::string& option, const std::string& value) {
-    const auto port = sdp::number(value, 65535);
-    if (!port || *port == 0) {
-        throw Misuse(option + ": " + value + " is no port from 1 to 65535");
-    }
-    return static_cast<unsigned short>(*port);
-}
-
-sdp::MediaAddress address_of(const std::string& option, const std::string& value) {
-    const auto address = sdp::MediaAddress::parse(value);
-    if (!address) {
-        throw Misuse(option + ": " + value + " is no unicast IPv4 or IPv6 address");
-    }
-    return *address;
-}
-
-QOVA_Codec codec_of(const std::string& name) {
-    const auto codec = sdp::codec_named(name);
-    if (!codec) {
-        throw Misuse("--codec: there is no codec " + name);
-    }
-    return *codec;
-}
-
-enum Commands : unsigned {
-    LOG = 1,
-    MOVE = 2,
-    ANSWER = 4,
-    SERVE = 8,  // all of qova-answer
-    ALL = LOG | MOVE | ANSWER | SERVE
-};
-
-unsigned command_of(const std::string& name) {
-    return name == "log" ? LOG : name == "move" ? MOVE : name == "answer" ? ANSWER : 0U;
-}
+// Where the value of an option goes. A bool takes no value, a list takes several.
+using Member =
+    std::variant<bool Options::*, std::string Options::*,
+                 std::optional<sdp::MediaAddress> Options::*,
+                 std::optional<unsigned short> Options::*, std::vector<QOVA_Codec> Options::*>;
 
 struct Option {
-    const char* name;
-    unsigned commands;  // that have it
-    bool takes_value;
-    void (*set)(Options& options, const std::string& value);
+    std::string_view name;
+    std::string_view value;  // its name in the help text; empty: takes none
+    unsigned commands;       // that take the option
+    Member member;
+    const char* help;
 };
 
-constexpr Option all_options[] = {
-    {"--help", ALL, false, [](Options& to, const std::string&) { to.help = true; }},
-    {"--version", ALL, false, [](Options& to, const std::string&) { to.version = true; }},
-    {"--answer", LOG | MOVE, false, [](Options& to, const std::string&) { to.answer = true; }},
-    {"--strict", ALL, false, [](Options& to, const std::string&) { to.strict = true; }},
-    {"--output", LOG | MOVE | ANSWER, true,
-     [](Options& to, const std::string& value) { to.output = value; }},
-    {"--back", MOVE, false, [](Options& to, const std::string&) { to.back = true; }},
-    {"--merge", MOVE, false, [](Options& to, const std::string&) { to.merge = true; }},
-    {"--verbose", MOVE, false, [](Options& to, const std::string&) { to.verbose = true; }},
-    {"--address", MOVE, true,
-     [](Options& to, const std::string& value) { to.address = address_of("--address", value); }},
-    {"--local", ANSWER | SERVE, true,
-     [](Options& to, const std::string& value) { to.local = address_of("--local", value); }},
-    {"--public", ANSWER | SERVE, true,
-     [](Options& to, const std::string& value) {
-         to.public_address = address_of("--public", value);
-     }},
-    {"--audio-port", MOVE | ANSWER | SERVE, true,
-     [](Options& to, const std::string& value) { to.audio_port = port_of("--audio-port", value); }},
-    {"--fax-port", MOVE | ANSWER | SERVE, true,
-     [](Options& to, const std::string& value) { to.fax_port = port_of("--fax-port", value); }},
-    {"--codec", ANSWER | SERVE, true,
-     [](Options& to, const std::string& value) { to.codecs.push_back(codec_of(value)); }},
-    {"--fax", ANSWER | SERVE, false, [](Options& to, const std::string&) { to.fax = true; }},
-    {"--no-fax", ANSWER | SERVE, false, [](Options& to, const std::string&) { to.fax = false; }},
-    {"--previous", ANSWER, true,
-     [](Options& to, const std::string& value) { to.previous = value; }},
-    {"--listen", SERVE, true, [](Options& to, const std::string& value) { to.listen = value; }},
-    {"--quiet", SERVE, false, [](Options& to, const std::string&) { to.quiet = true; }},
+constexpr Option option_table[] = {
+    {"--answer", "", LOG | MOVE, &Options::answer,
+     "read an answer, not an offer (log and move only)"},
+    {"--output", "FILE", LOG | MOVE | ANSWER, &Options::output,
+     "write to FILE, completely or not at all, instead of standard output"},
+    {"--listen", "URI", SERVE, &Options::listen,
+     "accept calls at this SIP URI (default: sip:127.0.0.1:5080;transport=tcp); port 0 picks a "
+     "free port"},
+    {"--address", "ADDRESS", MOVE, &Options::plan_address, "the new IPv4 or IPv6 address"},
+    {"--local", "ADDRESS", ANSWER | SERVE, &Options::local,
+     "the local IPv4 or IPv6 address of the media (qova-answer: the host of --listen by default)"},
+    {"--codec", "NAME", ANSWER | SERVE, &Options::codecs,
+     "accept this codec; may be repeated (default: PCMA, PCMU, G723, G729, G729A, G722, AMR-WB "
+     "and opus)"},
+    {"--fax", "", ANSWER | SERVE, &Options::fax, "accept T.38 fax (default)"},
+    {"--no-fax", "", ANSWER | SERVE, &Options::no_fax, "reject T.38 fax"},
+    {"--previous", "FILE", ANSWER, &Options::previous,
+     "the previous answer; reports whether anything changed since, and continues its session"},
+    {"--public", "ADDRESS", ANSWER | SERVE, &Options::plan_address,
+     "answer with this public address and the public ports that belong to it:"},
+    {"--audio-port", "N", MOVE | ANSWER | SERVE, &Options::audio_port,
+     "the public port for local audio port 32000"},
+    {"--fax-port", "N", MOVE | ANSWER | SERVE, &Options::fax_port,
+     "the public port for local fax port 6666"},
+    {"--back", "", MOVE, &Options::back, "move from the public plan to the local one"},
+    {"--merge", "", MOVE, &Options::merge,
+     "move lines with different addresses to the new one (cannot be undone)"},
+    {"--verbose", "", MOVE, &Options::verbose, "also print the capability before the move"},
+    {"--strict", "", LOG | MOVE | ANSWER | SERVE, &Options::strict, "treat warnings as errors"},
+    {"--quiet", "", SERVE, &Options::quiet, "log errors only"},
+    {"--help", "", LOG | MOVE | ANSWER | SERVE, &Options::help, "print this help text"},
+    {"--version", "", LOG | MOVE | ANSWER | SERVE, &Options::version, "print the version"},
 };
 
-const Option& option_of(unsigned command, const std::string& who, const std::string& name) {
-    const auto* const found =
-        std::find_if(std::begin(all_options), std::end(all_options), [&](const Option& option) {
-            return option.name == name && (option.commands & command) != 0;
-        });
-    if (found == std::end(all_options)) {
-        throw Misuse(std::string(who).append(" has no option ").append(name));
-    }
-    return *found;
-}
-
-// A plan has all of its options, or none of them.
-void check_plan(const Options& options) {
-    const bool moves = options.command == "move";
-    const std::pair<const char*, bool> of_plan[] = {
-        {moves ? "--address" : "--public", options.address || options.public_address},
-        {"--audio-port", options.audio_port.has_value()},
-        {"--fax-port", options.fax_port.has_value()},
-    };
-    const auto is_given = [](const auto& option) { return option.second; };
-    if (!moves && std::none_of(std::begin(of_plan), std::end(of_plan), is_given)) {
-        return;
-    }
-    for (const auto& option : of_plan) {
-        if (!is_given(option)) {
-            throw Misuse(std::string(moves ? "move needs " : "a public plan needs ") +
-                         option.first);
+// Lists the options of a command that another one does not have, in lines of up to 80 columns.
+std::string options_of(Command command, unsigned other = 0) {
+    constexpr std::size_t indent = 21;
+    constexpr std::size_t width = 80;
+    std::string text;
+    for (const Option& option : option_table) {
+        if ((option.commands & command) == 0 || (option.commands & other) != 0) {
+            continue;
         }
+        std::string entry = option.name == "--help" ? "  -h, " : "  ";
+        entry.append(option.name).append(" ").append(option.value).resize(indent, ' ');
+        entry += option.help;
+        for (std::size_t start = 0; entry.size() - start > width;) {
+            start = entry.rfind(' ', start + width);
+            entry.replace(start++, 1, "\n" + std::string(indent, ' '));
+        }
+        text += entry + "\n";
+    }
+    return text;
+}
+
+std::string quoted(const std::string& value) {
+    return "'" + value + "'";
+}
+
+// Each of these checks the value of an option and stores it.
+
+void store(const std::string&, const std::string&, bool& to) {
+    to = true;
+}
+
+void store(const std::string&, const std::string& value, std::string& to) {
+    to = value;
+}
+
+void store(const std::string& name, const std::string& value,
+           std::optional<sdp::MediaAddress>& to) {
+    to = sdp::MediaAddress::parse(value);
+    if (!to) {
+        throw Misuse(name + ": invalid address " + quoted(value) +
+                     " (expected a unicast IPv4 or IPv6 address)");
     }
 }
 
+void store(const std::string& name, const std::string& value, std::optional<unsigned short>& to) {
+    const auto port = sdp::number(value, 65535);
+    if (port.value_or(0) == 0) {
+        throw Misuse(name + ": invalid port " + quoted(value) + " (1 to 65535)");
+    }
+    to = static_cast<unsigned short>(*port);
+}
+
+void store(const std::string& name, const std::string& value, std::vector<QOVA_Codec>& to) {
+    const auto codec = sdp::codec_named(value);
+    if (!codec) {
+        throw Misuse(name + ": unknown codec " + quoted(value));
+    }
+    to.push_back(*codec);
+}
+
+// Checks a command line as a whole.
 void check(const Options& options) {
-    if (options.files.empty()) {
-        throw Misuse("no FILE is given");
+    if (options.fax && options.no_fax) {
+        throw Misuse("--fax and --no-fax exclude each other");
+    }
+    if (options.command == SERVE && !options.files.empty()) {
+        throw Misuse("unexpected argument " + quoted(options.files.front()));
+    }
+    if (options.command != SERVE && options.files.empty()) {
+        throw Misuse(options.command == ANSWER ? "missing OFFER" : "missing FILE");
+    }
+    if (options.command == ANSWER && options.files.size() > 1) {
+        throw Misuse("answer: unexpected argument " + quoted(options.files[1]));
+    }
+    if (!options.output.empty() && options.files.size() > 1) {
+        throw Misuse("--output: more than one FILE");
     }
     if (std::count(options.files.begin(), options.files.end(), "-") +
             (options.previous == "-" ? 1 : 0) >
         1) {
-        throw Misuse("standard input is given twice");
+        throw Misuse("standard input ('-') is given twice");
     }
-    if (options.output && options.files.size() > 1) {
-        throw Misuse("--output takes the output of one FILE only");
+    if (options.command == ANSWER && !options.local) {
+        throw Misuse("answer requires --local");
     }
-    check_plan(options);
-    if (options.command == "answer") {
-        if (!options.local) {
-            throw Misuse("answer needs --local");
-        }
-        if (options.files.size() > 1) {
-            throw Misuse("answer takes one OFFER");
-        }
-        public_plan_of(options);
+    const int of_plan =
+        (options.plan_address ? 1 : 0) + (options.audio_port ? 1 : 0) + (options.fax_port ? 1 : 0);
+    if (options.command == MOVE && of_plan < 3) {
+        throw Misuse("move requires --address, --audio-port and --fax-port");
     }
+    if (of_plan == 1 || of_plan == 2) {
+        throw Misuse("--public, --audio-port and --fax-port require each other");
+    }
+    check_families(options);
 }
 
-// Reads the options of a command, and puts what is none of them among the files.
-void read(unsigned command, const std::string& who, std::vector<std::string>::const_iterator next,
-          std::vector<std::string>::const_iterator end, Options& options) {
+// Reads the arguments of a command: options and files in any order.
+Options read(const char* command_name, Command command,
+             std::vector<std::string>::const_iterator next,
+             std::vector<std::string>::const_iterator end) {
+    Options options;
+    options.command = command;
     std::set<std::string> seen;
     bool options_have_ended = false;
     while (next != end) {
@@ -233,103 +175,122 @@ void read(unsigned command, const std::string& who, std::vector<std::string>::co
         }
         const std::size_t equals = argument.find('=');
         const std::string name = argument == "-h" ? "--help" : argument.substr(0, equals);
-        const Option& option = option_of(command, who, name);
+        const auto* const option = std::find_if(
+            std::begin(option_table), std::end(option_table), [&](const Option& candidate) {
+                return candidate.name == name && (candidate.commands & command) != 0;
+            });
+        if (option == std::end(option_table)) {
+            throw Misuse(std::string(command_name) + ": unknown option " + quoted(name));
+        }
         if (!seen.insert(name).second && name != "--codec") {
             throw Misuse(name + " is given twice");
         }
-        if (seen.count("--fax") != 0 && seen.count("--no-fax") != 0) {
-            throw Misuse("--fax and --no-fax exclude each other");
-        }
         std::string value;
         if (equals != std::string::npos) {
-            if (!option.takes_value) {
-                throw Misuse(name + " takes no value");
-            }
             value = argument.substr(equals + 1);
-        } else if (option.takes_value) {
-            if (next == end) {
-                throw Misuse(name + " needs a value");
-            }
+        } else if (!option->value.empty() && next != end) {
             value = *next++;
         }
-        option.set(options, value);
+        if (option->value.empty() && equals != std::string::npos) {
+            throw Misuse(name + ": unexpected value " + quoted(value));
+        }
+        if (value.empty() && !option->value.empty()) {
+            throw Misuse(name + ": missing value");
+        }
+        std::visit([&](auto member) { store(name, value, options.*member); }, option->member);
     }
-}
-
-}  // namespace
-
-Options read_options(const std::vector<std::string>& arguments) {
-    Options options;
-    auto next = arguments.begin();
-    if (next == arguments.end()) {
-        throw Misuse("no command is given");
-    }
-    if (command_of(*next) != 0) {
-        options.command = *next++;
-    } else if (*next != "-h" && *next != "--help" && *next != "--version") {
-        throw Misuse("there is no command " + *next);
-    }
-    read(options.command.empty() ? LOG : command_of(options.command), options.command, next,
-         arguments.end(), options);
     if (!options.help && !options.version) {
         check(options);
     }
     return options;
 }
 
-Options read_server_options(const std::vector<std::string>& arguments) {
-    Options options;
-    read(SERVE, "qova-answer", arguments.begin(), arguments.end(), options);
-    if (!options.help && !options.version) {
-        if (!options.files.empty()) {
-            throw Misuse("qova-answer takes options only, and no " + options.files.front());
-        }
-        check_plan(options);
-    }
-    return options;
+}  // namespace
+
+sdp::Role Options::role() const {
+    return answer ? sdp::Role::ANSWER : sdp::Role::OFFER;
 }
 
-Status report(const std::string& program, Status status, const std::string& message) {
-    std::fputs((program + ": " + shown(message) + "\n").c_str(), stderr);
-    return status;
+sdp::Strictness Options::strictness() const {
+    return strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
 }
 
-Status run_program(const std::string& program, const std::function<Status()>& run) {
-    try {
-        return run();
-    } catch (const Misuse& misuse) {
-        return report(program, MISUSED,
-                      std::string(misuse.what()) + " (see " + program + " --help)");
-    } catch (const std::exception& exception) {
-        return report(program, FAILED, exception.what());
-    }
+std::optional<sdp::Plan> Options::plan() const {
+    return plan_address ? std::optional(sdp::Plan{*plan_address, *audio_port, *fax_port})
+                        : std::nullopt;
 }
 
-std::string version_of(const std::string& program) {
-    return program + " " + std::to_string(QOVA_VERSION_MAJOR) + "." +
-           std::to_string(QOVA_VERSION_MINOR) + "." + std::to_string(QOVA_VERSION_PATCH) + "\n";
-}
-
-sdp::Policy policy_of(const Options& options) {
-    sdp::Policy policy{*options.local};
-    policy.fax = options.fax;
-    if (!options.codecs.empty()) {
-        policy.codecs = options.codecs;
+sdp::Policy Options::policy() const {
+    sdp::Policy policy{*local};
+    policy.fax = !no_fax;
+    if (!codecs.empty()) {
+        policy.codecs = codecs;
     }
     return policy;
 }
 
-std::optional<sdp::Plan> public_plan_of(const Options& options) {
-    if (!options.public_address) {
-        return std::nullopt;
+Options read_options(const std::vector<std::string>& arguments) {
+    if (arguments.empty()) {
+        throw Misuse("missing command");
     }
-    if (options.public_address->ip().Family() != options.local->ip().Family()) {
-        throw Misuse("--public: " + options.public_address->text() + " is of another family than " +
-                     options.local->text());
+    const std::string& first = arguments.front();
+    if (first == "-h" || first == "--help" || first == "--version") {
+        return read("qova-sdp", LOG, arguments.begin(), arguments.end());
     }
-    return sdp::Plan{*options.public_address, *options.audio_port, *options.fax_port};
+    for (const auto& [name, command] :
+         {std::pair("log", LOG), std::pair("move", MOVE), std::pair("answer", ANSWER)}) {
+        if (first == name) {
+            return read(name, command, arguments.begin() + 1, arguments.end());
+        }
+    }
+    throw Misuse("unknown command " + quoted(first));
 }
 
-sdp::Strictness strictness_of(const Options& options) {
-    return options.strict ? sdp::Strictness::STRICT : sdp::Strictness::LENIENT;
+Options read_server_options(const std::vector<std::string>& arguments) {
+    return read("qova-answer", SERVE, arguments.begin(), arguments.end());
+}
+
+void check_families(const Options& options) {
+    if (options.local && options.plan_address &&
+        options.local->ip().Family() != options.plan_address->ip().Family()) {
+        throw Misuse("--public: " + options.plan_address->text() + " and the local address " +
+                     options.local->text() + " belong to different address families");
+    }
+}
+
+std::string usage() {
+    return "usage: qova-sdp log [OPTION]... FILE...\n"
+           "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]...\n"
+           "                FILE...\n"
+           "       qova-sdp answer --local ADDRESS [OPTION]... OFFER\n"
+           "       qova-sdp --help | --version\n"
+           "\n"
+           "Reads a session description (SDP) from each FILE, or from standard input if FILE\n"
+           "is '-'. A FILE can also be a SIP message or a multipart body.\n"
+           "\n"
+           "log     prints the media capability of the description\n"
+           "move    moves the description from the local addresses and ports to public ones;\n"
+           "        on standard error, prints the capability and the command that moves it\n"
+           "        back\n"
+           "answer  prints an answer to the description; on standard error, prints why lines\n"
+           "        are rejected, both capabilities, and whether they changed\n"
+           "\n" +
+           options_of(LOG) + "\nOptions of move:\n" + options_of(MOVE, LOG) +
+           "\nOptions of answer:\n" + options_of(ANSWER, LOG) +
+           "\n"
+           "Exit status: 0 success, 1 a description was refused or a file could not be read\n"
+           "or written, 2 wrong command line\n";
+}
+
+std::string server_usage() {
+    return "usage: qova-answer [OPTION]...\n"
+           "\n"
+           "Answers SIP calls until it receives SIGINT or SIGTERM; then it ends its calls.\n"
+           "Prints \"listening on URI\" when it accepts calls. Logs each offer and answer on\n"
+           "standard error, and statistics when it receives SIGUSR1. Sends no media.\n"
+           "\n" +
+           options_of(SERVE) +
+           "\n"
+           "Exit status: 0 stopped by a signal, 1 it could not listen or some calls did not\n"
+           "end, 2 wrong command line\n";
 }

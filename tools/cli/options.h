@@ -3,7 +3,6 @@
 #ifndef QOVA_TOOLS_CLI_OPTIONS_H
 #define QOVA_TOOLS_CLI_OPTIONS_H
 
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,9 +13,13 @@
 #include "sdp/plan.h"
 #include "sdp/reader.h"
 
+// The commands of qova-sdp, and qova-answer as a whole. A sum of them is a set.
+enum Command : unsigned { LOG = 1, MOVE = 2, ANSWER = 4, SERVE = 8 };
+
+// What the options say; an option of another command keeps its default.
 struct Options {
-    std::string command;  // log, move or answer; of qova-answer none
-    bool help = false;    // then nothing else counts; nor with version
+    Command command = SERVE;
+    bool help = false;  // with it or version, a command line is not checked as a whole
     bool version = false;
     bool answer = false;
     bool strict = false;
@@ -24,47 +27,41 @@ struct Options {
     bool merge = false;
     bool verbose = false;
     bool quiet = false;
-    bool fax = true;
+    bool fax = false;
+    bool no_fax = false;
     std::string listen = "sip:127.0.0.1:5080;transport=tcp";
-    std::optional<std::string> output;
-    std::optional<sdp::MediaAddress> address;
+    std::string output;  // this and the next: empty if not given
+    std::string previous;
     std::optional<sdp::MediaAddress> local;
-    std::optional<sdp::MediaAddress> public_address;
-    std::optional<std::string> previous;
-    std::vector<QOVA_Codec> codecs;  // empty: all
+    std::optional<sdp::MediaAddress> plan_address;  // --address or --public
     std::optional<unsigned short> audio_port;
     std::optional<unsigned short> fax_port;
+    std::vector<QOVA_Codec> codecs;  // empty: all
     std::vector<std::string> files;  // "-" is standard input
+
+    sdp::Role role() const;
+    sdp::Strictness strictness() const;
+    std::optional<sdp::Plan> plan() const;
+    sdp::Policy policy() const;  // `local` must be set
 };
 
+// A wrong command line. The message names the option and its value.
 class Misuse : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-enum Status { DONE = 0, FAILED = 1, MISUSED = 2 };
-
-// Says on standard error what went wrong.
-Status report(const std::string& program, Status status, const std::string& message);
-
-// The exit status of a program; of what it throws, too.
-Status run_program(const std::string& program, const std::function<Status()>& run);
-
-// Reads what follows qova-sdp on its command line. Throws Misuse.
+// Reads the arguments of qova-sdp. Throws Misuse.
 Options read_options(const std::vector<std::string>& arguments);
 
-// The same of qova-answer.
+// Reads the arguments of qova-answer. Throws Misuse.
 Options read_server_options(const std::vector<std::string>& arguments);
 
-extern const char usage[];
-extern const char server_usage[];
+// Throws Misuse if the public address and `local` belong to different address families.
+void check_families(const Options& options);
 
-// "PROGRAM 1.0.0\n"
-std::string version_of(const std::string& program);
-
-// What a side of a call is made of that answers, where --local is given. Throws Misuse.
-sdp::Policy policy_of(const Options& options);
-std::optional<sdp::Plan> public_plan_of(const Options& options);
-sdp::Strictness strictness_of(const Options& options);
+// The help texts of qova-sdp and qova-answer.
+std::string usage();
+std::string server_usage();
 
 #endif

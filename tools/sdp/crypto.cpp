@@ -109,7 +109,7 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
         throw Refusal(line.number, "a=crypto: a key is not base64 or is too long");
     }
     const KeySize* const sizes = key_size_of(suite);
-    if (*size < sizes->min || *size > sizes->max) {
+    if (sizes == nullptr || *size < sizes->min || *size > sizes->max) {
         throw Refusal(line.number, "a=crypto: wrong key length for this suite");
     }
     std::size_t next = 1;

@@ -58,6 +58,18 @@ std::optional<unsigned long long> number(std::string_view digits, unsigned long 
     return value;
 }
 
+std::string printable(std::string text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if ((byte < 0x20 && byte != '\t') || byte == 0x7f) {
+            text[i] = '?';
+        } else if (i > 0 && text[i - 1] == '\xc2' && byte >= 0x80 && byte < 0xa0) {
+            text.replace(i - 1, 2, "??");  // U+0080 to U+009F
+        }
+    }
+    return text;
+}
+
 std::string with_newline(std::string text) {
     if (text.empty() || text.back() != '\n') {
         text += '\n';

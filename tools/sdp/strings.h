@@ -36,6 +36,9 @@ std::vector<std::string_view> tokens(std::string_view text);
 /// exceeds `max`.
 std::optional<unsigned long long> number(std::string_view digits, unsigned long long max);
 
+/// Replaces the control characters except tabs, so that text from outside cannot act on a terminal.
+std::string printable(std::string text);
+
 /// Appends a newline, unless the text already ends with one.
 std::string with_newline(std::string text);
 

@@ -251,12 +251,16 @@ std::vector<Run> runs_of(tools::Case& one) {
     return runs;
 }
 
-// What is expected of each alternative. Those that stand behind them are taken if nothing else is.
+// What is expected of each alternative: what stands behind it, or what the section has.
 std::vector<Lines> expected_of(const tools::Section& section, const Lines* behind,
                                std::size_t count) {
     std::vector<Lines> expected = tools::alternatives(section.lines);
-    if (section.lines.empty() && behind != nullptr && count > 1) {
-        expected = tools::answers(*behind);
+    const std::vector<Lines> answers = behind == nullptr ? expected : tools::answers(*behind);
+    if (behind != nullptr && answers != std::vector<Lines>(answers.size())) {
+        if (!section.lines.empty()) {
+            throw std::invalid_argument("-- " + section.name + ": expected twice");
+        }
+        expected = answers;
     }
     if (expected.size() == 1) {
         expected.resize(count, expected.front());

@@ -1,6 +1,7 @@
 #include "adapter.h"
 
 #include <algorithm>
+#include <list>
 #include <stdexcept>
 
 #include "answer/changes.h"
@@ -41,21 +42,13 @@ std::string key_text(const QOVA_CryptoKey& key) {
            (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
 }
 
-std::vector<std::string> crypto_texts(const sdp::Reading& reading) {
-    std::vector<std::string> all;
-    for (const sdp::ReadLine& line : reading.lines) {
-        if (line.media == nullptr) {
-            continue;
-        }
-        for (const QOVA_Crypto* const crypto : line.media->cryptos) {
-            all.push_back(std::to_string(line.number) + ": " + std::to_string(crypto->tag) + " " +
-                          Sdp::CryptoParser::enumToAlgo(crypto->algo));
-            for (const QOVA_CryptoKey& key : crypto->keys) {
-                all.back() += " " + key_text(key);
-            }
-        }
+std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
+    std::string text = std::to_string(line.number) + ": " + std::to_string(crypto.tag) + " " +
+                       Sdp::CryptoParser::enumToAlgo(crypto.algo);
+    for (const QOVA_CryptoKey& key : crypto.keys) {
+        text += " " + key_text(key);
     }
-    return all;
+    return text;
 }
 
 std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
@@ -80,7 +73,15 @@ Result<sdp::Found> find(const std::string& file) {
 Result<Read> read(const std::string& text, Role role, Strictness strictness) {
     return result_of<Read>([&] {
         const sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness);
-        return Read{*reading.capability, reading.diagnostics, crypto_texts(reading)};
+        Read result = {*reading.capability, reading.diagnostics, {}, {}};
+        for (const sdp::ReadLine& line : reading.lines) {
+            result.kinds.push_back(line.type + " " + line.transport);
+            for (const QOVA_Crypto* const crypto :
+                 line.media == nullptr ? std::list<QOVA_Crypto*>() : line.media->cryptos) {
+                result.cryptos.push_back(crypto_text(line, *crypto));
+            }
+        }
+        return result;
     });
 }
 

@@ -38,6 +38,7 @@ Result<sdp::Found> find(const std::string& file);
 struct Read {
     std::string log;
     Diagnostics warnings;
+    std::vector<std::string> kinds;    // the type and the transport of each media line
     std::vector<std::string> cryptos;  // "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
 };
 Result<Read> read(const std::string& text, Role role, Strictness strictness);

@@ -56,6 +56,7 @@ struct Run {
     std::size_t lines_before = 0;  // in a message
     tools::Diagnostics refusal;
     std::string previous;
+    bool has_options = false;
     tools::Role role = tools::Role::OFFER;
     tools::Journey journey;
     tools::Side side;
@@ -86,6 +87,7 @@ sdp::Plan plan_of(std::istream& words) {
 }
 
 void add_option(Run& run, const std::string& line) {
+    run.has_options = true;
     std::istringstream words(line);
     std::string option;
     words >> option;
@@ -206,8 +208,10 @@ std::string broken_property(const Run& run) {
     tools::Counts counts;
     try {
         tools::check_properties(run.text, counts);
-        tools::check_move(run.text, run.journey, counts);
-        tools::check_answer(run.text, run.side, counts);
+        if (run.has_options) {
+            tools::check_move(run.text, run.journey, counts);
+            tools::check_answer(run.text, run.side, counts);
+        }
         return "";
     } catch (const tools::Broken& broken) {
         return broken.what() + std::string("\n");
@@ -241,7 +245,8 @@ std::vector<Run> runs_of(tools::Case& one) {
     for (const Lines& input : tools::alternatives(one.input)) {
         for (const Lines& options : tools::alternatives(lines_of("with"))) {
             Run run(tools::with_head(tools::unescaped(input)));
-            run.previous = tools::with_head(tools::unescaped(lines_of("previous")));
+            const Lines previous = tools::alternatives(lines_of("previous")).front();
+            run.previous = tools::with_head(tools::unescaped(previous));
             for (const std::string& option : options) {
                 add_option(run, option);
             }

@@ -1,5 +1,5 @@
-// The tools as functions from text to text: the runner of the cases, the properties and the fuzzer
-// know nothing else of them.
+// The tools as functions from text to text. The runner of the cases, the properties and the fuzzer
+// use nothing else of them.
 
 #ifndef QOVA_TESTS_TOOLS_ADAPTER_H
 #define QOVA_TESTS_TOOLS_ADAPTER_H
@@ -21,7 +21,7 @@ using sdp::Diagnostics;
 using sdp::Role;
 using sdp::Strictness;
 
-// "6: MESSAGE" for each.
+// Returns "LINE: MESSAGE" for each.
 std::vector<std::string> shown(const Diagnostics& diagnostics, std::size_t lines_before = 0);
 
 // A value or a refusal.
@@ -65,7 +65,7 @@ struct Answered : sdp::Reply {
 
     Diagnostics of(sdp::Severity severity) const;
 };
-// The answer of a new side of a call, or of one that goes on from its previous answer.
+// Answers as a new side of a call, or as one that resumes from its previous answer.
 Result<Answered> answer(const std::string& text, const Side& side,
                         const std::string& previous = "");
 

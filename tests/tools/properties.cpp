@@ -25,22 +25,21 @@ void check_messages(const Diagnostics& diagnostics, const std::string& text) {
     const auto last = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), is_end)) + 1;
     for (const sdp::Diagnostic& one : diagnostics) {
         demand(!one.message.empty(), "a message is empty");
-        demand(one.line <= last, "a message names no line", all_of(diagnostics));
+        demand(one.line <= last, "a message names a line that does not exist", all_of(diagnostics));
         demand(std::all_of(one.message.begin(), one.message.end(),
                            [](char byte) { return byte >= ' ' && byte <= '~'; }),
-               "a message cannot be printed", one.message);
+               "a message is not printable", one.message);
     }
     const auto is_before = [](const auto& left, const auto& right) {
         return left.line < right.line;
     };
     demand(std::is_sorted(diagnostics.begin(), diagnostics.end(), is_before),
-           "the messages are not in the order of the lines");
+           "the messages are not in line order");
 }
 
 // --- Keys ----------------------------------------------------------------------------------------
 
-// What stands for a key: its base64, and its first bytes as hexadecimal and decimal numbers.
-// Shorter texts may stand in a description for other reasons.
+// Shorter texts can be in a description for other reasons.
 constexpr std::size_t least_key = 37;
 constexpr std::size_t searched = 12;
 
@@ -65,7 +64,7 @@ std::string bytes_of(const std::string& base64) {
     return bytes;
 }
 
-// The keys that stand in a text after "inline:" and nowhere else.
+// Returns the keys that occur in a text only after "inline:".
 std::vector<std::string> offered_keys(const std::string& text) {
     constexpr std::string_view method = "inline:";
     std::vector<std::string> keys;
@@ -74,20 +73,21 @@ std::vector<std::string> offered_keys(const std::string& text) {
         const std::size_t size = std::min(text.find_first_of("|; \t\r\n", at), text.size()) - at;
         const std::string key = text.substr(at, size);
         const std::string begin = key.substr(0, searched);
-        bool stands_elsewhere = false;
+        bool is_elsewhere = false;
         for (std::size_t other = text.find(begin); other != std::string::npos;
              other = text.find(begin, other + 1)) {
-            stands_elsewhere |= other < method.size() ||
-                                text.compare(other - method.size(), method.size(), method) != 0;
+            is_elsewhere |= other < method.size() ||
+                            text.compare(other - method.size(), method.size(), method) != 0;
         }
         const bool is_number = begin == std::string(begin.size(), 'A');
-        if (size >= least_key && !stands_elsewhere && !is_number) {
+        if (size >= least_key && !is_elsewhere && !is_number) {
             keys.push_back(key);
         }
     }
     return keys;
 }
 
+// Searches for the base64 of a key, and for its first bytes in hexadecimal and decimal.
 void check_without_key(const std::string& shown, const std::string& key) {
     std::string hexadecimal;
     std::string decimal;
@@ -102,7 +102,7 @@ void check_without_key(const std::string& shown, const std::string& key) {
 }
 
 void check_without_keys(const std::string& shown, const std::string& text) {
-    // A word for keys of other kinds in the cases.
+    // The word for other kinds of keys in the cases.
     demand(shown.find("SecretKeyMaterial") == std::string::npos, "a secret is shown", shown);
     for (const std::string& key : offered_keys(text)) {
         check_without_key(shown, key);
@@ -111,7 +111,7 @@ void check_without_keys(const std::string& shown, const std::string& text) {
 
 // --- Reading -------------------------------------------------------------------------------------
 
-// Returns whether it can be read.
+// Returns true if the description can be read.
 bool check_reading(const std::string& text, Role role) {
     const Result<Read> lenient = read(text, role, Strictness::LENIENT);
     const Result<Read> strict = read(text, role, Strictness::STRICT);
@@ -120,15 +120,16 @@ bool check_reading(const std::string& text, Role role) {
     check_without_keys(lenient.value.log + all_of(expected), text);
     demand(strict.is_refused() == !expected.empty() &&
                (expected.empty() || all_of(strict.refusal) == all_of({expected.front()})),
-           "a strict reading is refused for another reason", all_of(strict.refusal));
+           "the strict refusal is not the first warning", all_of(strict.refusal));
     demand(strict.is_refused() || strict.value.log == lenient.value.log,
-           "a strict reading is another", strict.value.log);
+           "the strict reading differs", strict.value.log);
     return !lenient.is_refused();
 }
 
 std::string log_of(const std::string& text, Role role) {
     const Result<Read> reading = read(text, role, Strictness::LENIENT);
-    demand(!reading.is_refused(), "what a tool wrote is refused", all_of(reading.refusal) + text);
+    demand(!reading.is_refused(), "the output of a tool is refused",
+           all_of(reading.refusal) + text);
     return reading.value.log;
 }
 
@@ -141,18 +142,19 @@ void check_move(const std::string& text, const Journey& there, Counts& counts) {
     check_messages(messages, text);
     check_without_keys(moved.value.log_after + all_of(messages), text);
     demand(!reading.is_refused() || all_of(moved.refusal) == all_of(reading.refusal),
-           "a move is refused for another reason", all_of(moved.refusal));
+           "the move is refused for a different reason", all_of(moved.refusal));
     if (moved.is_refused()) {
         return;
     }
     ++counts.moved;
     const Role role = there.options.role;
-    demand(moved.value.log_before == log_of(text, role), "the log before the move is another",
+    demand(moved.value.log_before == log_of(text, role), "the log before the move is wrong",
            moved.value.log_before);
     demand(moved.value.log_after == log_of(moved.value.text, role),
-           "the log after the move is another", moved.value.log_after + moved.value.text);
+           "the log after the move is wrong", moved.value.log_after + moved.value.text);
     if (!moved.value.old_address) {
-        demand(there.options.back || there.options.merge, "there is no way back", moved.value.text);
+        demand(there.options.back || there.options.merge, "the move has no way back",
+               moved.value.text);
         return;
     }
     Journey back = there;
@@ -161,7 +163,8 @@ void check_move(const std::string& text, const Journey& there, Counts& counts) {
     back.options.strictness = Strictness::LENIENT;
     const Result<sdp::Move> restored = move(moved.value.text, back);
     demand(!restored.is_refused(), "the way back is refused", all_of(restored.refusal));
-    demand(restored.value.text == text, "the way back does not restore it", restored.value.text);
+    demand(restored.value.text == text, "the way back does not restore the description",
+           restored.value.text);
     ++counts.restored;
 }
 
@@ -171,17 +174,17 @@ void check_answer(const std::string& text, const Side& side, Counts& counts) {
     check_messages(first.refusal, text);
     check_without_keys(all_of(first.refusal), text);
     if (first.is_refused()) {
-        // Public ports may run beyond the last.
+        // Public ports can exceed 65535.
         demand(offer.is_refused() ? all_of(first.refusal) == all_of(offer.refusal)
                                   : side.plan.has_value(),
-               "an answer is refused for another reason", all_of(first.refusal));
+               "the answer is refused for a different reason", all_of(first.refusal));
         return;
     }
     const Answered& answered = first.value;
     ++counts.answered;
     counts.accepted += answered.has_common ? 1U : 0U;
     demand(all_of(answered.of(sdp::Severity::WARNING)) == all_of(offer.value.warnings),
-           "the warnings are others", all_of(answered.diagnostics));
+           "the warnings differ from the reader's", all_of(answered.diagnostics));
     check_messages(answered.of(sdp::Severity::REJECTION), text);
     const std::string shown = answered.log + all_of(answered.diagnostics);
     check_without_keys(shown + answered.text, text);
@@ -193,21 +196,22 @@ void check_answer(const std::string& text, const Side& side, Counts& counts) {
         offer.value.warnings.empty() ? Strictness::STRICT : Strictness::LENIENT;
     const Result<Read> reread = read(answered.text, Role::ANSWER, strictness);
     demand(!reread.is_refused(), "the answer cannot be read", answered.text);
-    demand(reread.value.kinds == offer.value.kinds, "the answer has other lines", answered.text);
+    demand(reread.value.kinds == offer.value.kinds, "the answer has different lines",
+           answered.text);
     const std::string& local = side.policy.address.text();
     demand(!side.plan || text.find(local) != std::string::npos ||
                answered.text.find(local) == std::string::npos,
            "the answer has the local address", answered.text);
     const Result<Answered> again = answer(text, side, answered.text);
     demand(!again.is_refused() && again.value.changed == false,
-           "the answer does not read as what it was written from", answered.text + again.value.log);
-    demand(again.value.text == answered.text, "a side that goes on gives another answer",
+           "the answer reads differently from its capability", answered.text + again.value.log);
+    demand(again.value.text == answered.text, "a resumed side gives a different answer",
            again.value.text);
 }
 
 void check_properties(const std::string& text, Counts& counts) {
     const bool is_readable = check_reading(text, Role::ANSWER);
-    demand(check_reading(text, Role::OFFER) == is_readable, "the role decides on the refusal");
+    demand(check_reading(text, Role::OFFER) == is_readable, "the role changes the refusal");
     counts.readable += is_readable ? 1U : 0U;
     counts.strict += read(text, Role::OFFER, Strictness::STRICT).is_refused() ? 0U : 1U;
 

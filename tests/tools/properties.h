@@ -1,5 +1,5 @@
-// What holds of the tools whatever the description: the runner of the cases checks it for each case
-// and each sample, the fuzzer for all that it thinks of.
+// Properties that hold for every description. The runner of the cases, the random tests and the
+// fuzzer check them with this code.
 
 #ifndef QOVA_TESTS_TOOLS_PROPERTIES_H
 #define QOVA_TESTS_TOOLS_PROPERTIES_H
@@ -27,14 +27,14 @@ struct Counts {
     unsigned long long accepted = 0;
 };
 
-// Throws Broken, unless:
-// - A message names a line of the description, can be printed, and warnings are in order.
-// - A strict reading refuses the description for the first warning, and else reads the same.
-// - What a reading refuses, each move and answer refuses for the same reason.
-// - A moved description reads as the log says, and the way back restores it to the byte.
-// - An answer has the lines of the offer and reads as the capability that it was written from; a
-//   side of a call that goes on from it gives it again.
-// - No key stands in a log, in a message or, if it was offered, in the answer.
+// Throws Broken unless all of this holds:
+// - Messages are printable and name a line of the description. Warnings are in line order.
+// - A strict reading throws the first warning. Without warnings, it is the same as the lenient one.
+// - Moves and answers are refused for the same reason as the reading.
+// - A moved description reads as its log says. The way back restores every byte.
+// - An answer has the lines of the offer, and reads as the capability that it was written from. A
+//   side of a call that resumes from it gives the same answer.
+// - No log, message or answer shows a key, except the new keys of an answer.
 void check_properties(const std::string& text, Counts& counts);
 
 // The same for another move or side.

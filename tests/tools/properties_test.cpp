@@ -1,4 +1,4 @@
-// The properties of descriptions made at random, in shapes that people do not think of.
+// Checks the properties for random descriptions.
 
 #include "properties.h"
 
@@ -11,11 +11,11 @@
 
 namespace {
 
-// Descriptions of every shape that the rules of a move are about, most of them with one address.
-// Each draws once in a statement: the order of evaluation would decide on its bytes.
+// Makes descriptions that the rules of a move distinguish, most of them with one address. Each
+// statement draws one random number only, because the order of evaluation is unspecified.
 class RandomDescriptions {
 public:
-    // Bundles, and ports that are shared or none, which the model does not know.
+    // With bundles and shared ports, which the model does not know.
     explicit RandomDescriptions(bool with_bundles) : has_bundles(with_bundles) {}
 
     std::string next() {

@@ -1,13 +1,13 @@
-// Runs cases (see case_file.h) and samples: what the tools make of each has to be what is written
-// down, and the properties have to hold (see properties.h).
+// Runs cases (see cases/README.md) and samples: compares what the tools make of each description
+// with what is written down, and checks the properties (see properties.h).
 //
 // usage: run_cases [--update] FILE.txt... SAMPLE.sdp... DIRECTORY...
 //
-// Beside NAME.sdp stand its log, NAME.log; the warnings about it, NAME.warnings, if there are any;
-// and why it cannot move, NAME.refused, if it cannot. A sample with "answer" in its name is one.
+// A sample, NAME.sdp, has its log in NAME.log, its warnings in NAME.warnings and the refusal of a
+// move in NAME.refused. A sample with "answer" in its name is read as an answer.
 //
-// --update writes down what the tools make of them. A case without sections gets "refused", or
-// "log" and "warnings".
+// --update writes down what the tools make of the descriptions. A case without sections gets
+// "refused", or "log" and "warnings".
 
 #include <algorithm>
 #include <filesystem>
@@ -38,7 +38,7 @@ std::string read_file(const fs::path& path) {
     return text.str();
 }
 
-// The whole file or nothing of it.
+// Writes all of a file or nothing.
 void write_file(const fs::path& path, const std::string& text) {
     const fs::path part = path.string() + ".part";
     std::ofstream(part, std::ios::binary) << text;
@@ -130,7 +130,7 @@ Lines crypto(const Run& run) {
     return lines;
 }
 
-// What a call makes of a value, or the refusal.
+// Calls a function with the value, unless there is a refusal.
 template <class T, class Call>
 Lines unless_refused(const Run& run, const tools::Result<T>& result, Call call) {
     return result.is_refused() ? Lines{"refused: " + run.shown(result.refusal)[0]}
@@ -256,14 +256,15 @@ std::vector<Run> runs_of(tools::Case& one) {
     return runs;
 }
 
-// What is expected of each alternative: what stands behind it, or what the section has.
+// Returns what is expected of each alternative: the text behind it, or that of the section.
 std::vector<Lines> expected_of(const tools::Section& section, const Lines* behind,
                                std::size_t count) {
     std::vector<Lines> expected = tools::alternatives(section.lines);
     const std::vector<Lines> answers = behind == nullptr ? expected : tools::answers(*behind);
     if (behind != nullptr && answers != std::vector<Lines>(answers.size())) {
         if (!section.lines.empty()) {
-            throw std::invalid_argument("-- " + section.name + ": expected twice");
+            throw std::invalid_argument("-- " + section.name +
+                                        ": texts here and behind the alternatives");
         }
         expected = answers;
     }
@@ -295,7 +296,8 @@ void run_case(const std::string& place, tools::Case& one) {
     }
     std::vector<std::string> problems;
     std::transform(runs.begin(), runs.end(), std::back_inserter(problems), broken_property);
-    // Where the alternatives stand, until a section is compared with what stands behind them.
+    // The block with the alternatives, until the first section is compared with the texts behind
+    // them.
     tools::Section* const with = one.section("with");
     Lines* behind =
         tools::answers(one.input).empty() && with != nullptr ? &with->lines : &one.input;
@@ -318,7 +320,8 @@ void run_case(const std::string& place, tools::Case& one) {
     }
     for (std::size_t i = 0; i < runs.size(); ++i) {
         count(place + (runs.size() == 1 ? "" : " (alternative " + std::to_string(i + 1) + ")"),
-              behind == nullptr ? problems[i] : "nothing is compared (--update writes it down)\n");
+              behind == nullptr ? problems[i]
+                                : "the case has no sections (use --update to add them)\n");
     }
 }
 

@@ -1,4 +1,4 @@
-// One side of a call over several offers, and what counts as a change: what no description shows.
+// State that a case cannot show: a side of a call over several offers, and changes of the model.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 using tools::Side;
 
-// A description as it is written in a case.
+// Returns a description from lines as in a case.
 std::string session(const tools::Lines& lines) {
     return tools::with_head(tools::unescaped(lines));
 }
@@ -172,6 +172,24 @@ TEST_F(CallSideTest, OffersItsCodecsInThePublicPlan) {
     EXPECT_EQ(tools::without_head(text, "203.0.113.5"),
               tools::unescaped({"m=audio 40000 RTP/AVP 8 101", "a=rtpmap:101 telephone-event/8000",
                                 "a=ptime:20"}));
+}
+
+TEST_F(CallSideTest, OffersAnIpv6Address) {
+    Side narrow("2001:db8::1");
+    narrow.use_codecs({"PCMU"});
+    const std::string text = sdp::CallSide(narrow.policy).offer().text;
+    EXPECT_EQ(tools::without_head(text, "2001:db8::1").substr(0, 15), "m=audio 32000 R") << text;
+}
+
+TEST_F(CallSideTest, RejectsLinesWithoutAPort) {
+    std::string offer = session({"m=audio 5004 RTP/AVP 0"});
+    for (unsigned port = 32002; port < 65536; port += 2) {
+        offer += "m=audio 5004 RTP/AVP 0\r\n";
+    }
+    EXPECT_TRUE(answer(offer).diagnostics.empty());
+    const sdp::Diagnostics rejections = answer(offer + "m=audio 5004 RTP/AVP 0\r\n").diagnostics;
+    ASSERT_EQ(rejections.size(), 1U);
+    EXPECT_EQ(rejections.front().message, "no port left");
 }
 
 TEST_F(CallSideTest, OffersWhatItSentLast) {

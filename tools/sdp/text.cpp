@@ -109,24 +109,23 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     if (text.substr(0, 3) == "\xef\xbb\xbf") {
         throw Refusal(1, "unexpected byte-order mark before v=");
     }
-    std::size_t line_number = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-        ++line_number;
-        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-        const std::size_t next =
-            std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
-        const std::string_view content = text.substr(begin, end - begin);
-        if (!trimmed(content).empty()) {
-            if (sections.front().empty() && trimmed(content) != "v=0") {
-                throw Refusal(line_number, "not a session description: the first line is not v=0");
-            }
-            const Line line = make_line(line_number, content, text.substr(end, next - end));
-            if (line.type == 'm') {
-                sections.emplace_back();
-            }
-            sections.back().push_back(line);
+    std::string_view rest = text;
+    for (std::size_t number = 1; !rest.empty(); ++number) {
+        const std::string_view content = first_line(rest);
+        rest.remove_prefix(content.size());
+        const std::string_view ending = rest.substr(0, rest.substr(0, 2) == "\r\n" ? 2 : 1);
+        rest.remove_prefix(ending.size());
+        if (trimmed(content).empty()) {
+            continue;
         }
-        begin = next;
+        if (sections.front().empty() && trimmed(content) != "v=0") {
+            throw Refusal(number, "not a session description: the first line is not v=0");
+        }
+        const Line line = make_line(number, content, ending);
+        if (line.type == 'm') {
+            sections.emplace_back();
+        }
+        sections.back().push_back(line);
     }
     if (sections.front().empty()) {
         throw Refusal(0, "the description is empty");

@@ -71,6 +71,13 @@ void check_order(const std::vector<Section>& sections) {
     }
 }
 
+// Returns the first line for which a test holds, or null.
+template <class Test>
+const Line* find(const Section& section, Test test) {
+    const auto found = std::find_if(section.begin(), section.end(), test);
+    return found == section.end() ? nullptr : &*found;
+}
+
 // A last label of digits would be part of an IPv4 address.
 bool is_host_name(std::string_view text) {
     const std::vector<std::string_view> labels = split(text, ".");
@@ -133,15 +140,11 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     check_order(sections);
 }
 
-std::size_t Description::offset(std::string_view piece) const {
-    return static_cast<std::size_t>(piece.data() - text.data());
-}
-
 std::size_t Description::line_at(std::size_t offset) const {
     std::size_t found = 1;
     for (const Section& section : sections) {
         for (const Line& line : section) {
-            if (this->offset(line.text) <= offset) {
+            if (line.text.data() <= text.data() + offset) {
                 found = line.number;
             }
         }
@@ -150,9 +153,7 @@ std::size_t Description::line_at(std::size_t offset) const {
 }
 
 const Line* first_connection(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(),
-                                    [](const Line& line) { return line.type == 'c'; });
-    return found == section.end() ? nullptr : &*found;
+    return find(section, [](const Line& line) { return line.type == 'c'; });
 }
 
 bool ends_in(std::string_view transport, std::string_view last) {
@@ -255,12 +256,11 @@ RtcpLine rtcp_line(const Line& line) {
 }
 
 const Line* rtcp_of(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
+    return find(section, [](const Line& line) {
         const std::vector<std::string_view> fields = tokens(line.value);
         return same(line.name, "rtcp") && !fields.empty() &&
                number(fields[0], max_port).value_or(0) != 0;
     });
-    return found == section.end() ? nullptr : &*found;
 }
 
 }  // namespace sdp

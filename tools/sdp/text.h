@@ -43,9 +43,6 @@ public:
     std::string_view text;          ///< The whole text.
     std::vector<Section> sections;  ///< The session's, then one for each media line.
 
-    /// Returns the offset of a piece of the text.
-    std::size_t offset(std::string_view piece) const;
-
     /// Returns the number of the line that has an offset. Linear in the number of lines.
     std::size_t line_at(std::size_t offset) const;
 };

@@ -55,7 +55,7 @@ struct MediaLine {
     std::string_view type;                  ///< Such as "audio".
     std::string_view port_digits;           ///< The port in the text.
     unsigned long port = 0;                 ///< 0 to 65535; 0 rejects the line.
-    unsigned long more_ports = 0;           ///< The number of ports that COUNT adds.
+    unsigned long more_ports = 0;           ///< Ports after the first; for RTP, COUNT counts pairs.
     std::string_view transport;             ///< Such as "RTP/AVP".
     bool is_rtp = false;                    ///< The transport ends in an RTP profile.
     std::vector<std::string_view> formats;  ///< At most 128; payload types up to 127 for RTP.

@@ -354,7 +354,7 @@ void run_sample(const fs::path& path) {
         {".warnings", ""},
         {".refused", moved.is_refused() ? run.shown(moved.refusal)[0] + "\n" : ""}};
     for (const sdp::Diagnostic& warning : reading.value.warnings) {
-        texts[".warnings"] += std::to_string(warning.line) + ": warning: " + warning.message + "\n";
+        texts[".warnings"] += sdp::printed(warning, "").substr(1) + "\n";
     }
     std::string problem = broken_property(run);
     for (const auto& [extension, text] : texts) {

@@ -1,10 +1,9 @@
-// Changes addresses and ports in the text of a description, and nothing else.
+// Changes the addresses and ports of a description in its text.
 
 #ifndef QOVA_TOOLS_MOVE_EDITOR_H
 #define QOVA_TOOLS_MOVE_EDITOR_H
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "move/movable.h"
@@ -13,41 +12,10 @@
 
 namespace sdp {
 
-class Editor {
-public:
-    // Changes the addresses. Borrows its arguments. Throws Refusal for an address that cannot move.
-    Editor(const Description& given_description, const MediaAddress& given_address, bool given_back,
-           const MovingAddresses& moving);
-
-    void edit_ports(const MovableLine& line, unsigned short shift);
-
-    // Keeps the address of a line that does not move (see move/mover.h).
-    void keep_address(const Section& section);
-
-    std::string result() const;
-
-private:
-    struct Edit {
-        std::size_t offset;
-        std::size_t length;  // of the old text
-        std::string text;    // the new text
-    };
-    static std::string apply(std::string_view text, std::vector<Edit> edits);
-
-    void replace(std::string_view piece, std::string text);
-    void edit_address(const AddressField& field);
-    std::string edited(const Line& line) const;
-    void insert_connection(const Line& before);
-    void remove_connection(const Line& before, const Line& copy);
-
-    const Description& description;
-    const MediaAddress& address;
-    const bool back;
-    std::string old_connection;  // the session's c= line, if it changes
-    std::string new_connection;
-    std::string connection_ending;
-    std::vector<Edit> edits;
-};
+// Returns the text with the new address and ports, and with the c= lines that keep the address of
+// the other lines (see move/mover.h).
+std::string edited(const Description& description, const std::vector<MovableLine>& lines,
+                   const MovingAddresses& moving, const MediaAddress& address, bool back);
 
 }  // namespace sdp
 

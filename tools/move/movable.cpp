@@ -14,26 +14,13 @@ namespace {
 
 constexpr unsigned long discard_port = 9;
 
-bool moves_ports(const QOVA_Media& media) {
-    return media.mediaType == QOVA_Media::MT_AUDIO || media.mediaType == QOVA_Media::MT_FAX;
-}
-
-bool has(const Section& section, std::string_view name) {
-    return std::any_of(section.begin(), section.end(),
-                       [name](const Line& line) { return same(line.name, name); });
-}
-
 // Returns the address of a line; nullopt if it is a host name or broken.
 std::optional<AddressField> address_or_none(const Line& line) {
     try {
-        return line.type == 'c' ? connection_address(line) : origin_address(line);
+        return address_of(line);
     } catch (const Refusal&) {
         return std::nullopt;
     }
-}
-
-std::string specified(const AddressField& field) {
-    return field.address.IsAny() != 0 ? "" : field.address.ToString();
 }
 
 // --- Lines --------------------------------------------------------------------------------------
@@ -80,12 +67,14 @@ std::vector<Port> ports_of(const MediaLine& media, const MovableLine& line) {
     }
     if (const Line* const attribute = rtcp_of(*line.section)) {
         const RtcpLine rtcp = rtcp_line(*attribute);
-        const auto own = rtcp_address(*attribute);
+        const auto own = address_of(*attribute);
         const bool is_at_address = own ? own->address.IsAny() == 0 : !line.address.empty();
         if (!is_discarded(rtcp.port, is_at_address)) {
             ports.push_back({rtcp.port_digits, rtcp.port, rtcp.port});
         }
-    } else if (!ports.empty() && media.is_rtp && !line.is_tcp && !has(*line.section, "rtcp-mux")) {
+    } else if (!ports.empty() && media.is_rtp && !line.is_tcp &&
+               std::none_of(line.section->begin(), line.section->end(),
+                            [](const Line& other) { return same(other.name, "rtcp-mux"); })) {
         ports.push_back({{}, media.port + 1, media.port + 1});
     }
     return ports;
@@ -94,22 +83,21 @@ std::vector<Port> ports_of(const MediaLine& media, const MovableLine& line) {
 // Returns the specified addresses of a line: of its c= lines, or the session's, and of its a=rtcp.
 std::vector<AddressField> addresses_of(const Section& section, const Line* session_connection) {
     std::vector<AddressField> fields;
+    const auto add = [&fields](const Line& line) {
+        const auto field = address_of(line);
+        if (field && field->address.IsAny() == 0) {
+            fields.push_back(*field);
+        }
+    };
     if (first_connection(section) == nullptr && session_connection != nullptr) {
-        fields.push_back(connection_address(*session_connection));
+        add(*session_connection);
     }
     const Line* const rtcp = rtcp_of(section);
     for (const Line& line : section) {
-        if (line.type == 'c') {
-            fields.push_back(connection_address(line));
-        } else if (&line == rtcp) {
-            if (const auto field = rtcp_address(line)) {
-                fields.push_back(*field);
-            }
+        if (line.type == 'c' || &line == rtcp) {
+            add(line);
         }
     }
-    fields.erase(std::remove_if(fields.begin(), fields.end(),
-                                [](const auto& field) { return specified(field).empty(); }),
-                 fields.end());
     return fields;
 }
 
@@ -152,10 +140,12 @@ std::vector<MovableLine> movable_lines(const Description& description, const Rea
         const Line* const own = first_connection(section);
         if (const Line* const connection = own != nullptr ? own : session_connection) {
             const auto field = address_or_none(*connection);
-            line.address = field ? specified(*field) : "";
+            line.address = field && field->address.IsAny() == 0 ? field->address.ToString() : "";
         }
         if (line.moves) {
-            line.leader = moves_ports(*media) ? media : nullptr;
+            const bool has_ports =
+                media->mediaType == QOVA_Media::MT_AUDIO || media->mediaType == QOVA_Media::MT_FAX;
+            line.leader = has_ports ? media : nullptr;
             line.at = addresses_of(section, session_connection);
             line.ports = ports_of(parsed, line);
         } else if (parsed.port != 0) {
@@ -208,11 +198,14 @@ MovingAddresses moving_addresses(const Description& description,
             }
         }
     }
+    for (const AddressField& field : moving.fields) {
+        if (field.address.IsMulticast() || field.suffix) {
+            throw Refusal(field.line, field.address.IsMulticast()
+                                          ? "a multicast address cannot move"
+                                          : "an address with a TTL or a count cannot move");
+        }
+    }
     return moving;
-}
-
-unsigned short moved_port(const Port& port, unsigned short shift) {
-    return static_cast<unsigned short>(port.first + shift);
 }
 
 }  // namespace sdp

@@ -30,17 +30,17 @@ struct MovableLine {
     bool is_tcp;                   // TCP and UDP have different ports
     std::size_t bundle;            // the number of its a=group line (RFC 8843), or 0
     const QOVA_Media* leader;      // the media that its ports move with; null if they stay
+    unsigned short shift;          // what the library adds to them, modulo 65536
     std::vector<Port> ports;       // without discard ports
     std::vector<AddressField> at;  // the specified addresses of a line that moves
 
     std::size_t number() const { return section->front().number; }
+    unsigned short moved(const Port& port) const {
+        return static_cast<unsigned short>(port.first + shift);
+    }
 };
 
 std::vector<MovableLine> movable_lines(const Description& description, const Reading& reading);
-
-// What is added to the ports of each line, modulo 65536 as in the library.
-using Shifts = std::vector<unsigned short>;
-unsigned short moved_port(const Port& port, unsigned short shift);
 
 // TCP, address, port: two lines that share them receive each other's packets.
 using Endpoint = std::tuple<bool, std::string, unsigned long>;
@@ -53,7 +53,8 @@ struct MovingAddresses {
     std::string first_written;                 // the first one in its spelling; empty without one
 };
 
-// Throws Refusal for a line with two addresses, and SeveralAddresses unless `merge` is true.
+// Throws SeveralAddresses unless `merge` is true, and Refusal for a line with two addresses or an
+// address that cannot move.
 MovingAddresses moving_addresses(const Description& description,
                                  const std::vector<MovableLine>& lines, bool merge);
 

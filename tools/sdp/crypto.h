@@ -24,7 +24,7 @@ std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer);
 std::size_t key_size(g_crypto_suite suite);
 
 // Returns the lines of a section with "(withheld)" instead of their keys.
-std::string without_keys(const Description& description, const Section& section);
+std::string without_keys(const Section& section);
 
 }  // namespace sdp
 

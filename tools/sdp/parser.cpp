@@ -97,7 +97,7 @@ Input parser_input(const Description& description, const Lines& ignored) {
             if (ignored.count(&line) != 0) {
                 continue;
             }
-            const std::string_view content = trimmed(description.content(line));
+            const std::string_view content = trimmed(line.text);
             const std::size_t begin = input.text.size();
             input.text.append(content).append("\r\n");
             if (line.type == 'm') {
@@ -131,7 +131,7 @@ Input parser_input(const Description& description, const Lines& ignored) {
         throw Refusal(line.number, "o= needs six fields and has " + std::to_string(fields));
     }
     if (line.type == 'c') {
-        connection_address(line);  // throws the cause, if it knows it
+        address_of(line);  // throws the cause, if it knows it
     }
     throw Refusal(line.number, refusal_of(line));
 }
@@ -171,7 +171,7 @@ Parsed parse(const Description& description) {
         ignore(description, parsed, ignored, [&](const Line& line, const Section& section) {
             // The model needs the other types of lines, or the parser accepts any such line.
             if (std::string_view("abkrtz").find(line.type) != std::string_view::npos) {
-                check_alone(line, trimmed(description.content(line)), section.front().type == 'm');
+                check_alone(line, trimmed(line.text), section.front().type == 'm');
             }
         });
         const Input input = parser_input(description, ignored);

@@ -76,20 +76,14 @@ void read_data(const ReadLine& line) {
 
 QOVA_Media::e_MediaType type_of(const MediaLine& line) {
     const auto is = [&line](std::string_view type) { return same(line.type, type); };
-    if (is("audio") || is("video")) {
-        return !line.is_rtp  ? QOVA_Media::MT_NIL
-               : is("audio") ? QOVA_Media::MT_AUDIO
-                             : QOVA_Media::MT_VIDEO;
-    }
-    if (is("image")) {
-        return fax_transport(line.transport) != FT_NIL &&
-                       std::any_of(line.formats.begin(), line.formats.end(),
-                                   [](std::string_view format) { return same(format, "t38"); })
-                   ? QOVA_Media::MT_FAX
-                   : QOVA_Media::MT_NIL;
-    }
-    return is("application") || is("message") || is("data") ? QOVA_Media::MT_DATA
-                                                            : QOVA_Media::MT_NIL;
+    const bool is_t38 = fax_transport(line.transport) != FT_NIL &&
+                        std::any_of(line.formats.begin(), line.formats.end(),
+                                    [](std::string_view format) { return same(format, "t38"); });
+    return is("audio") && line.is_rtp                         ? QOVA_Media::MT_AUDIO
+           : is("video") && line.is_rtp                       ? QOVA_Media::MT_VIDEO
+           : is("image") && is_t38                            ? QOVA_Media::MT_FAX
+           : is("application") || is("message") || is("data") ? QOVA_Media::MT_DATA
+                                                              : QOVA_Media::MT_NIL;
 }
 
 void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media& media,
@@ -98,17 +92,15 @@ void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media&
     if (media_line.port == 0) {
         return;
     }
-    unsigned long rtcp_port = media_line.port == USHRT_MAX ? 0 : media_line.port + 1;
-    const Line* const rtcp = rtcp_of(section);
-    if (rtcp != nullptr) {
-        rtcp_port = rtcp_line(*rtcp).port;
-    }
+    std::optional<unsigned short> rtcp_port;
     for (const Line& attribute : section) {
         if (same(attribute.name, "rtcp")) {
             warn_of_refusal(warnings, [&] {
-                rtcp_line(attribute);
-                rtcp_address(attribute);
-                if (&attribute != rtcp) {
+                const bool is_duplicate = rtcp_port.has_value();
+                const unsigned short port = rtcp_line(attribute).port;
+                rtcp_port = rtcp_port.value_or(port);
+                address_of(attribute);
+                if (is_duplicate) {
                     throw Refusal(attribute.number, "duplicate a=rtcp line");
                 }
             });
@@ -118,7 +110,8 @@ void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media&
         throw Refusal(section.front().number, "the ports exceed 65535");
     }
     media.sndPort = media.rcvPort = static_cast<unsigned short>(media_line.port);
-    media.sndPort2 = media.rcvPort2 = static_cast<unsigned short>(rtcp_port);
+    media.sndPort2 = media.rcvPort2 =
+        rtcp_port.value_or(static_cast<unsigned short>(media_line.port + 1));
 }
 
 // Throws HostName for a host name, and leaves the address unspecified.
@@ -131,8 +124,7 @@ void read_address(const Line* of_session, const Section& section, QOVA_Media& me
         }
         throw Refusal(section.front().number, "the media line has no address: c= is missing");
     }
-    qova::replace(media.address,
-                  std::unique_ptr<INetAddress>(connection_address(*line).address.Copy()));
+    qova::replace(media.address, std::unique_ptr<INetAddress>(address_of(*line)->address.Copy()));
 }
 
 // What the session says for the lines that do not say it themselves.
@@ -238,7 +230,7 @@ Reading read(const Description& description, Role role, Strictness strictness) {
         capability.silenceSuppSdp |= line.suppresses_silence;
         const QOVA_Media::e_MediaType type = type_of(parsed_line);
         if (type == QOVA_Media::MT_NIL) {
-            capability.passThrough += without_keys(description, section);
+            capability.passThrough += without_keys(section);
             continue;
         }
         line.media = &qova::append<QOVA_Media>(capability.filteredMedia);

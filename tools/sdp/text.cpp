@@ -25,12 +25,15 @@ bool consists_of_tokens(std::string_view text, std::string_view others) {
     });
 }
 
-// Parses a line without its line ending.
-Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::string_view content) {
+Line make_line(std::size_t number, std::string_view text, std::string_view ending) {
+    const std::string_view content = trimmed(text);
+    if (content.find('\0') != std::string_view::npos) {
+        throw Refusal(number, "the line contains a NUL byte");
+    }
     if (content.size() < 2 || content[1] != '=') {
         throw Refusal(number, "expected a line of the form x=value");
     }
-    Line line{number, begin, end, end, content[0], {}, content.substr(2)};
+    Line line{number, text, ending, content[0], {}, trimmed(content.substr(2))};
     if (std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos) {
         throw Refusal(number, "unknown type of line");
     }
@@ -38,9 +41,8 @@ Line make_line(std::size_t number, std::size_t begin, std::size_t end, std::stri
         std::vector<std::string_view> parts = split(line.value, ":", 2);
         parts.resize(2);
         line.name = trimmed(parts[0]);
-        line.value = parts[1];
+        line.value = trimmed(parts[1]);
     }
-    line.value = trimmed(line.value);
     return line;
 }
 
@@ -69,6 +71,13 @@ void check_order(const std::vector<Section>& sections) {
     }
 }
 
+// Returns the first line for which a test holds, or null.
+template <class Test>
+const Line* find(const Section& section, Test test) {
+    const auto found = std::find_if(section.begin(), section.end(), test);
+    return found == section.end() ? nullptr : &*found;
+}
+
 // A last label of digits would be part of an IPv4 address.
 bool is_host_name(std::string_view text) {
     const std::vector<std::string_view> labels = split(text, ".");
@@ -80,29 +89,6 @@ bool is_host_name(std::string_view text) {
                                  (c >= '0' && c <= '9') || c == '-' || c == '_';
                       });
            });
-}
-
-AddressField address_field(std::size_t line, const std::string_view* fields) {
-    AddressField field;
-    field.line = line;
-    field.label = fields[1];
-    const std::vector<std::string_view> parts = split(fields[2], "/", 2);
-    field.text = parts[0];
-    field.suffix = parts.size() == 2;
-    const bool is_v6 = same(field.label, "IP6");
-    if (!same(fields[0], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
-        throw Refusal(line, "expected an address of type IN IP4 or IN IP6");
-    }
-    if (!IPAddress::Parse(std::string(field.text), field.address)) {
-        if (is_host_name(field.text)) {
-            throw HostName(line);
-        }
-        throw Refusal(line, "expected an IP address or a host name");
-    }
-    if ((field.address.Family() == AF_INET6) != is_v6) {
-        throw Refusal(line, "the address does not match its type, IP4 or IP6");
-    }
-    return field;
 }
 
 }  // namespace
@@ -130,30 +116,23 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     if (text.substr(0, 3) == "\xef\xbb\xbf") {
         throw Refusal(1, "unexpected byte-order mark before v=");
     }
-    std::size_t line_number = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-        ++line_number;
-        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-        const std::size_t next =
-            std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
-        std::string_view content = text.substr(begin, end - begin);
-        content.remove_prefix(std::min(content.find_first_not_of(blanks), content.size()));
-        if (!content.empty()) {
-            const bool is_first = sections.front().empty();
-            if (is_first && trimmed(content) != "v=0") {
-                throw Refusal(line_number, "not a session description: the first line is not v=0");
-            }
-            if (content.find('\0') != std::string_view::npos) {
-                throw Refusal(line_number, "the line contains a NUL byte");
-            }
-            Line line = make_line(line_number, begin, end, content);
-            line.next = next;
-            if (line.type == 'm') {
-                sections.emplace_back();
-            }
-            sections.back().push_back(line);
+    std::string_view rest = text;
+    for (std::size_t number = 1; !rest.empty(); ++number) {
+        const std::string_view content = first_line(rest);
+        rest.remove_prefix(content.size());
+        const std::string_view ending = rest.substr(0, rest.substr(0, 2) == "\r\n" ? 2 : 1);
+        rest.remove_prefix(ending.size());
+        if (trimmed(content).empty()) {
+            continue;
         }
-        begin = next;
+        if (sections.front().empty() && trimmed(content) != "v=0") {
+            throw Refusal(number, "not a session description: the first line is not v=0");
+        }
+        const Line line = make_line(number, content, ending);
+        if (line.type == 'm') {
+            sections.emplace_back();
+        }
+        sections.back().push_back(line);
     }
     if (sections.front().empty()) {
         throw Refusal(0, "the description is empty");
@@ -161,23 +140,11 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     check_order(sections);
 }
 
-std::string_view Description::content(const Line& line) const {
-    return text.substr(line.begin, line.end - line.begin);
-}
-
-std::string_view Description::ending(const Line& line) const {
-    return text.substr(line.end, line.next - line.end);
-}
-
-std::size_t Description::offset(std::string_view piece) const {
-    return static_cast<std::size_t>(piece.data() - text.data());
-}
-
 std::size_t Description::line_at(std::size_t offset) const {
     std::size_t found = 1;
     for (const Section& section : sections) {
         for (const Line& line : section) {
-            if (line.begin <= offset) {
+            if (line.text.data() <= text.data() + offset) {
                 found = line.number;
             }
         }
@@ -186,9 +153,7 @@ std::size_t Description::line_at(std::size_t offset) const {
 }
 
 const Line* first_connection(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(),
-                                    [](const Line& line) { return line.type == 'c'; });
-    return found == section.end() ? nullptr : &*found;
+    return find(section, [](const Line& line) { return line.type == 'c'; });
 }
 
 bool ends_in(std::string_view transport, std::string_view last) {
@@ -241,20 +206,38 @@ MediaLine media_line(const Line& line) {
     return media;
 }
 
-AddressField connection_address(const Line& line) {
+std::optional<AddressField> address_of(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() != 3) {
-        throw Refusal(line.number, "c= needs a network type, an address type and an address");
+    const std::size_t first = line.type == 'o' ? 3 : line.type == 'a' ? 1 : 0;
+    if (line.type == 'a' && fields.size() == 1) {
+        return std::nullopt;
     }
-    return address_field(line.number, fields.data());
-}
-
-AddressField origin_address(const Line& line) {
-    const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() < 6) {
-        throw Refusal(line.number, "o= needs six fields");
+    if (line.type == 'o' ? fields.size() < 6 : fields.size() != first + 3) {
+        throw Refusal(line.number, line.type == 'o' ? "o= needs six fields"
+                                   : line.type == 'c'
+                                       ? "c= needs a network type, an address type and an address"
+                                       : "a=rtcp needs a port, or a port and an address");
     }
-    return address_field(line.number, &fields[3]);
+    AddressField field;
+    field.line = line.number;
+    field.label = fields[first + 1];
+    const std::vector<std::string_view> parts = split(fields[first + 2], "/", 2);
+    field.text = parts[0];
+    field.suffix = parts.size() == 2;
+    const bool is_v6 = same(field.label, "IP6");
+    if (!same(fields[first], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
+        throw Refusal(line.number, "expected an address of type IN IP4 or IN IP6");
+    }
+    if (!IPAddress::Parse(std::string(field.text), field.address)) {
+        if (is_host_name(field.text)) {
+            throw HostName(line.number);
+        }
+        throw Refusal(line.number, "expected an IP address or a host name");
+    }
+    if ((field.address.Family() == AF_INET6) != is_v6) {
+        throw Refusal(line.number, "the address does not match its type, IP4 or IP6");
+    }
+    return field;
 }
 
 RtcpLine rtcp_line(const Line& line) {
@@ -272,24 +255,12 @@ RtcpLine rtcp_line(const Line& line) {
     return rtcp;
 }
 
-std::optional<AddressField> rtcp_address(const Line& line) {
-    const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() == 1) {
-        return std::nullopt;
-    }
-    if (fields.size() != 4) {
-        throw Refusal(line.number, "a=rtcp needs a port, or a port and an address");
-    }
-    return address_field(line.number, &fields[1]);
-}
-
 const Line* rtcp_of(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
+    return find(section, [](const Line& line) {
         const std::vector<std::string_view> fields = tokens(line.value);
         return same(line.name, "rtcp") && !fields.empty() &&
                number(fields[0], max_port).value_or(0) != 0;
     });
-    return found == section.end() ? nullptr : &*found;
 }
 
 }  // namespace sdp

@@ -21,13 +21,12 @@ namespace sdp {
 
 /// A line that is not blank.
 struct Line {
-    std::size_t number;      ///< Counted from 1, blank lines included.
-    std::size_t begin;       ///< Offset of the line in the text.
-    std::size_t end;         ///< Offset of its line ending.
-    std::size_t next;        ///< Offset after its line ending.
-    char type;               ///< The letter before "=".
-    std::string_view name;   ///< The name of an attribute (a=); otherwise empty.
-    std::string_view value;  ///< The text after "name:" or "="; no blanks at its ends.
+    std::size_t number;       ///< Counted from 1, blank lines included.
+    std::string_view text;    ///< The line without its line ending.
+    std::string_view ending;  ///< Its line ending; empty if the text ends there.
+    char type;                ///< The letter before "=".
+    std::string_view name;    ///< The name of an attribute (a=); otherwise empty.
+    std::string_view value;   ///< The text after "name:" or "="; no blanks at its ends.
 };
 
 /// The lines of the session, or a media line (m=) and the lines after it.
@@ -44,15 +43,6 @@ public:
     std::string_view text;          ///< The whole text.
     std::vector<Section> sections;  ///< The session's, then one for each media line.
 
-    /// Returns a line as it is in the text, without its line ending.
-    std::string_view content(const Line& line) const;
-
-    /// Returns the line ending of a line; empty if the text ends there.
-    std::string_view ending(const Line& line) const;
-
-    /// Returns the offset of a piece of the text.
-    std::size_t offset(std::string_view piece) const;
-
     /// Returns the number of the line that has an offset. Linear in the number of lines.
     std::size_t line_at(std::size_t offset) const;
 };
@@ -65,7 +55,7 @@ struct MediaLine {
     std::string_view type;                  ///< Such as "audio".
     std::string_view port_digits;           ///< The port in the text.
     unsigned long port = 0;                 ///< 0 to 65535; 0 rejects the line.
-    unsigned long more_ports = 0;           ///< The number of ports that COUNT adds.
+    unsigned long more_ports = 0;           ///< Ports after the first; for RTP, COUNT counts pairs.
     std::string_view transport;             ///< Such as "RTP/AVP".
     bool is_rtp = false;                    ///< The transport ends in an RTP profile.
     std::vector<std::string_view> formats;  ///< At most 128; payload types up to 127 for RTP.
@@ -93,11 +83,9 @@ public:
     explicit HostName(std::size_t given_line);
 };
 
-/// Returns the address of a c= line. Throws HostName, or Refusal if there is no address.
-AddressField connection_address(const Line& line);
-
-/// Returns the address of an o= line. Throws HostName, or Refusal if there is no address.
-AddressField origin_address(const Line& line);
+/// Returns the address of a c=, o= or a=rtcp line; nullopt for an a=rtcp line with only a port.
+/// Throws HostName, or Refusal if there is no address.
+std::optional<AddressField> address_of(const Line& line);
 
 /// a=rtcp:PORT [IN IP4 ADDRESS] (RFC 3605).
 struct RtcpLine {
@@ -107,10 +95,6 @@ struct RtcpLine {
 
 /// Parses the port of an a=rtcp line. Throws Refusal.
 RtcpLine rtcp_line(const Line& line);
-
-/// Returns the address of an a=rtcp line; nullopt if it has only a port. Throws HostName or
-/// Refusal.
-std::optional<AddressField> rtcp_address(const Line& line);
 
 /// Returns the a=rtcp line of a section that counts, the first with a port; or null.
 const Line* rtcp_of(const Section& section);

@@ -1,14 +1,16 @@
 """Calls qova-answer with sipp, for the tests and for scripts/load."""
 
+import itertools
 import pathlib
 import re
 import signal
+import socket
 import subprocess
 import tempfile
 import threading
 from xml.sax.saxutils import quoteattr
 
-SECONDS = 30  # until something that should have come by itself is given up
+SECONDS = 30  # the time limit of everything
 
 
 class Server:
@@ -18,48 +20,42 @@ class Server:
         self.process = subprocess.Popen([*before, program, "--listen", listen, *options],
                                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                                         encoding="latin-1")
-        self.lines = []
-        self.news = threading.Condition()
+        self.log = ""
         self.is_closed = False
+        self.news = threading.Condition()
         self.reader = threading.Thread(target=self._read_log)
         self.reader.start()
         self.uri = self.process.stdout.readline().removeprefix("listening on ").strip()
         self.address = self.uri.removeprefix("sip:").partition(";")[0]
 
     def _read_log(self):
-        for line in self.process.stderr:
+        for line in itertools.chain(self.process.stderr, [None]):
             with self.news:
-                self.lines.append(line)
+                self.log += line or ""
+                self.is_closed = line is None
                 self.news.notify()
-        with self.news:
-            self.is_closed = True
-            self.news.notify()
 
-    @property
-    def log(self):
-        return "".join(self.lines)
-
-    def wait_for(self, line, after=0):
-        """Waits for a line of the log after so many others, and returns it."""
+    def wait_for(self, pattern, start=0):
+        """Waits for a match in the log after a position, and returns it."""
         def find():
-            return next((got for got in self.lines[after:] if re.search(line, got)), None)
+            return re.compile(pattern, re.MULTILINE).search(self.log, start)
         with self.news:
             self.news.wait_for(lambda: self.is_closed or find(), SECONDS)
-            if find() is None:
-                raise AssertionError(f"qova-answer has not logged {line}, but:\n{self.log}")
+            if not find():
+                raise AssertionError(f"qova-answer does not log {pattern}:\n{self.log}")
             return find()
 
     def statistics(self):
-        """What it logs of itself: its calls, the heap in use, and its seconds."""
-        after = len(self.lines)
+        """Returns the numbers that it logs: calls, open calls, the heap in use, and its seconds."""
+        start = len(self.log)
         self.process.send_signal(signal.SIGUSR1)
-        line = self.wait_for("heap in use", after)
+        line = self.wait_for(".*heap in use.*", start)[0]
         return [float(number) for number in re.findall(r"\d+(?:\.\d+)?", line)]
 
-    def stop(self, with_signal=signal.SIGTERM):
-        """Its exit status; None: it had to be killed."""
+    def stop(self):
+        """Returns the exit status; None if it had to be killed."""
         if self.process.poll() is None:
-            self.process.send_signal(with_signal)
+            self.process.send_signal(signal.SIGTERM)
         try:
             self.process.wait(SECONDS)
         except subprocess.TimeoutExpired:
@@ -74,7 +70,7 @@ class Server:
 
 
 class Scenario:
-    """What the caller sends, and what it has to get."""
+    """What the caller sends and expects."""
 
     def __init__(self):
         self.steps = []
@@ -111,8 +107,8 @@ class Scenario:
         self.text(self.request(method, *body, **options))
 
     def expect(self, what, *checks):
-        """A status or a method, and regular expressions that occur in its text, or do not if they
-        begin with "!"; ^ and $ are a line's."""
+        """Expects a status or a method, and regular expressions that match its text, or do not if
+        they begin with "!"; ^ and $ match at each line."""
         actions = []
         for check in checks:
             self.variables += 1
@@ -129,16 +125,16 @@ class Scenario:
                           f"timeout=\"{SECONDS * 1000}\"><action>{''.join(actions)}</action></recv>")
 
     def exchange(self, method, status, *checks, body=(), answer=(), **options):
-        """A request, its final response, and of an INVITE the ACK, with an answer if there is one."""
+        """Sends a request, expects its final response, and sends the ACK of an INVITE."""
         self.send(method, *body, **options)
         self.expect(status, f"^CSeq: {self.sequence} {method}$", *checks)
         if method == "INVITE":
-            # One of a refusal belongs to the transaction of its request.
+            # The ACK of a refusal belongs to the transaction of its request.
             branch = "[branch]" if status == "200" else f"[branch-{len(self.steps) - self.sent}]"
             self.send("ACK", *answer, branch=branch)
 
     def respond(self):
-        """To the request that has come last."""
+        """Responds to the last request."""
         self.text("SIP/2.0 200 OK\n[last_Via:]\n[last_From:]\n[last_To:]\n[last_Call-ID:]\n"
                   "[last_CSeq:]\nContent-Length: 0")
 
@@ -150,20 +146,23 @@ class Scenario:
 
 
 def run(sipp, scenario, server, *options, seconds=SECONDS):
-    """Makes one call, or as many as the options say, and returns what went wrong, or nothing."""
+    """Makes one call, or as many as the options say. Returns the errors, or an empty string."""
+    local = server.address.rpartition(":")[0].strip("[]")
+    with socket.socket(socket.AF_INET6 if ":" in local else socket.AF_INET) as free:
+        free.bind((local, 0))
+        port = free.getsockname()[1]
     with tempfile.TemporaryDirectory() as directory:
         directory = pathlib.Path(directory)
         (directory / "call.xml").write_text(scenario.xml())
-        local = server.address.rpartition(":")[0].strip("[]")
         try:
             done = subprocess.run(
-                [sipp, server.address, "-sf", "call.xml", "-t", "t1", "-i", local, "-m", "1",
-                 "-nostdin", "-timeout", f"{seconds}s", "-timeout_error", "-trace_err",
+                [sipp, server.address, "-sf", "call.xml", "-t", "t1", "-i", local, "-p", str(port),
+                 "-m", "1", "-nostdin", "-timeout", f"{seconds}s", "-timeout_error", "-trace_err",
                  "-error_file", "errors", *options],
                 cwd=directory, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                 encoding="latin-1", timeout=seconds + 5, check=False)
         except subprocess.TimeoutExpired:
-            return "sipp has not ended"
+            return "sipp does not end"
         if done.returncode == 0:
             return ""
         errors = directory / "errors"

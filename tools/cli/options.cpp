@@ -121,36 +121,27 @@ void store(const std::string& name, const std::string& value, std::vector<QOVA_C
 
 // Checks a command line as a whole.
 void check(const Options& options) {
-    if (options.fax && options.no_fax) {
-        throw Misuse("--fax and --no-fax exclude each other");
-    }
-    if (options.command == SERVE && !options.files.empty()) {
-        throw Misuse("unexpected argument " + quoted(options.files.front()));
-    }
-    if (options.command != SERVE && options.files.empty()) {
-        throw Misuse(options.command == ANSWER ? "missing OFFER" : "missing FILE");
-    }
-    if (options.command == ANSWER && options.files.size() > 1) {
-        throw Misuse("answer: unexpected argument " + quoted(options.files[1]));
-    }
-    if (!options.output.empty() && options.files.size() > 1) {
-        throw Misuse("--output: more than one FILE");
-    }
-    if (std::count(options.files.begin(), options.files.end(), "-") +
-            (options.previous == "-" ? 1 : 0) >
-        1) {
-        throw Misuse("standard input ('-') is given twice");
-    }
-    if (options.command == ANSWER && !options.local) {
-        throw Misuse("answer requires --local");
-    }
+    const auto files = options.files.size();
+    const auto dashes = std::count(options.files.begin(), options.files.end(), "-") +
+                        (options.previous == "-" ? 1 : 0);
     const int of_plan =
         (options.plan_address ? 1 : 0) + (options.audio_port ? 1 : 0) + (options.fax_port ? 1 : 0);
-    if (options.command == MOVE && of_plan < 3) {
-        throw Misuse("move requires --address, --audio-port and --fax-port");
-    }
-    if (of_plan == 1 || of_plan == 2) {
-        throw Misuse("--public, --audio-port and --fax-port require each other");
+    const std::pair<bool, const char*> errors[] = {
+        {options.command == SERVE && files > 0, "qova-answer takes options only"},
+        {options.command != SERVE && files == 0, "missing FILE"},
+        {options.command == ANSWER && files > 1, "answer takes only one FILE"},
+        {!options.output.empty() && files > 1, "--output takes only one FILE"},
+        {dashes > 1, "standard input ('-') is given twice"},
+        {options.command == ANSWER && !options.local, "answer requires --local"},
+        {options.command == MOVE && of_plan < 3,
+         "move requires --address, --audio-port and --fax-port"},
+        {of_plan == 1 || of_plan == 2, "--public, --audio-port and --fax-port require each other"},
+        {options.fax && options.no_fax, "--fax and --no-fax exclude each other"},
+    };
+    for (const auto& [is_wrong, message] : errors) {
+        if (is_wrong) {
+            throw Misuse(message);
+        }
     }
     check_families(options);
 }
@@ -185,16 +176,17 @@ Options read(const char* command_name, Command command,
         if (!seen.insert(name).second && name != "--codec") {
             throw Misuse(name + " is given twice");
         }
+        const bool takes_value = !option->value.empty();
         std::string value;
         if (equals != std::string::npos) {
             value = argument.substr(equals + 1);
-        } else if (!option->value.empty() && next != end) {
+            if (!takes_value) {
+                throw Misuse(name + ": unexpected value " + quoted(value));
+            }
+        } else if (takes_value && next != end) {
             value = *next++;
         }
-        if (option->value.empty() && equals != std::string::npos) {
-            throw Misuse(name + ": unexpected value " + quoted(value));
-        }
-        if (value.empty() && !option->value.empty()) {
+        if (takes_value && value.empty()) {
             throw Misuse(name + ": missing value");
         }
         std::visit([&](auto member) { store(name, value, options.*member); }, option->member);
@@ -216,8 +208,10 @@ sdp::Strictness Options::strictness() const {
 }
 
 std::optional<sdp::Plan> Options::plan() const {
-    return plan_address ? std::optional(sdp::Plan{*plan_address, *audio_port, *fax_port})
-                        : std::nullopt;
+    if (!plan_address) {
+        return std::nullopt;
+    }
+    return sdp::Plan{*plan_address, *audio_port, *fax_port};
 }
 
 sdp::Policy Options::policy() const {
@@ -262,7 +256,7 @@ std::string usage() {
     return "usage: qova-sdp log [OPTION]... FILE...\n"
            "       qova-sdp move --address ADDRESS --audio-port N --fax-port N [OPTION]...\n"
            "                FILE...\n"
-           "       qova-sdp answer --local ADDRESS [OPTION]... OFFER\n"
+           "       qova-sdp answer --local ADDRESS [OPTION]... FILE\n"
            "       qova-sdp --help | --version\n"
            "\n"
            "Reads a session description (SDP) from each FILE, or from standard input if FILE\n"

@@ -28,25 +28,14 @@ void set_local(Options& options) {
     check_families(options);
 }
 
-void announce(sip::Server& server) {
-    const std::string contact = server.listen();
-    try {
-        write_output(contact.empty() ? "" : "listening on " + contact + "\n");
-    } catch (...) {
-        server.stop();
-        server.run();
-        throw;
-    }
-}
-
 Status run(Options& options) {
     set_local(options);
     sip::Server server({name, options.listen, options.policy(), options.plan(),
                         options.strictness(), options.quiet});
-    announce(server);
-    if (!server.run()) {
-        // sofia-sip cannot be freed while it has calls.
-        std::_Exit(report(name, "calls that did not end: " + std::to_string(server.open_calls())));
+    const std::string uri = server.listen();
+    write_output(uri.empty() ? "" : "listening on " + uri + "\n");
+    if (!server.run()) {  // the server cannot be destroyed
+        std::_Exit(report(name, "some calls did not end"));
     }
     return DONE;
 }

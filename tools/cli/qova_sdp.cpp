@@ -135,8 +135,9 @@ void process(const Options& options, const std::string& file) {
         } else {
             write_output(result.output);
         }
+        const std::string prefix = is_one_of_many ? name + ": " : "";
         for (const std::string& note : result.notes) {
-            print_error((is_one_of_many ? name + ": " : "") + note);
+            print_error(prefix + note);
         }
     });
 }

@@ -4,7 +4,6 @@
 #include <sofia-sip/sip_status.h>
 #include <sofia-sip/su_tag_io.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <utility>
@@ -49,9 +48,6 @@ void print_lines(const std::string& prefix, const std::string& text) {
 
 }  // namespace
 
-Server::Server(Settings given_settings)
-    : UserAgent(given_settings.uri, given_settings.name), settings(std::move(given_settings)) {}
-
 template <class Work>
 auto Server::timed(Work work) {
     const double start = seconds(CLOCK_THREAD_CPUTIME_ID);
@@ -62,40 +58,48 @@ auto Server::timed(Work work) {
 
 void Server::handle_event(nua_event_t event, int status, nua_handle_t* handle, const sip_t* sip,
                           const tagi_t* tags) {
-    const auto call = calls.find(handle);
+    auto call = calls.find(handle);
+    const bool is_known = call != calls.end();
     switch (event) {
         case nua_i_invite:
         case nua_i_update:
-            if (status < 200) {  // not refused by sofia-sip
-                take_request(handle, *sip);
+            if (status >= 200) {  // refused by sofia-sip
+                break;
             }
+            if (!is_known) {
+                const std::string name = "call " + std::to_string(++calls_so_far);
+                sdp::CallSide side(settings.policy, settings.plan);
+                call = calls.emplace(handle, Call{handle, name, std::move(side)}).first;
+            }
+            take_request(call->second, *sip);
             break;
         case nua_i_ack:
-            if (call != calls.end()) {
-                take_ack(call->second, handle, *sip);
+            if (is_known) {
+                take_ack(call->second, *sip);
             }
             break;
         case nua_i_bye:
         case nua_i_cancel:  // sofia-sip answers both
-            if (call != calls.end()) {
+            if (is_known) {
                 log(call->second, method_of(*sip));
             }
             break;
         case nua_i_options:  // sofia-sip answers it
-            if (call == calls.end()) {
+            if (!is_known) {
                 nua_handle_destroy(handle);
             }
             break;
         case nua_i_state: {
             int state = nua_callstate_init;
             tl_gets(tags, NUTAG_CALLSTATE_REF(state), TAG_END());
-            if (state == nua_callstate_terminated) {
-                if (call != calls.end()) {
-                    log(call->second, "ended");
-                    calls.erase(call);
-                }
-                nua_handle_destroy(handle);
+            if (state != nua_callstate_terminated) {
+                break;
             }
+            if (is_known) {
+                log(call->second, "ended");
+                calls.erase(call);
+            }
+            nua_handle_destroy(handle);
             break;
         }
         default:
@@ -103,71 +107,50 @@ void Server::handle_event(nua_event_t event, int status, nua_handle_t* handle, c
     }
 }
 
-void Server::log_statistics() const {
-    std::fprintf(stderr,
-                 "calls %lu, open %zu, heap in use %zu bytes, processor time %.3f s, of which "
-                 "descriptions %.3f s\n",
-                 calls_so_far, calls.size(), ::mallinfo2().uordblks,
-                 seconds(CLOCK_PROCESS_CPUTIME_ID), time_in_descriptions);
-}
-
-void Server::take_request(nua_handle_t* handle, const sip_t& sip) {
-    auto found = calls.find(handle);
-    if (found == calls.end()) {
-        sdp::CallSide side(settings.policy, settings.plan);
-        found =
-            calls.emplace(handle, Call{"call " + std::to_string(++calls_so_far), std::move(side)})
-                .first;
-    }
-    Call& call = found->second;
+void Server::take_request(Call& call, const sip_t& sip) {
     if (sip.sip_payload != nullptr && sip.sip_payload->pl_len > 0) {
-        answer(call, handle, sip);
+        answer(call, sip);
     } else if (sip.sip_request->rq_method == sip_method_invite) {
-        offer(call, handle, sip);
+        const sdp::Reply reply = timed([&] { return call.side.offer(); });
+        log(call, reply.log);
+        call.awaits_answer = true;
+        accept(call, sip, reply.text);
     } else {
-        accept(call, handle, sip, "");
+        accept(call, sip, "");
     }
 }
 
-void Server::answer(Call& call, nua_handle_t* handle, const sip_t& sip) {
+void Server::answer(Call& call, const sip_t& sip) {
     if (!has_description(sip)) {
-        refuse(call, handle, sip, SIP_415_UNSUPPORTED_MEDIA, {0, "unsupported content type"});
+        refuse(call, sip, SIP_415_UNSUPPORTED_MEDIA, {0, "unsupported content type"});
         return;
     }
     if (call.awaits_answer) {
-        refuse(call, handle, sip, SIP_491_REQUEST_PENDING,
-               {0, "our own offer has not been answered yet"});
+        refuse(call, sip, SIP_491_REQUEST_PENDING, {0, "our own offer has not been answered yet"});
         return;
     }
     try {
         const sdp::Reply reply =
             timed([&] { return call.side.answer(description_of(sip), settings.strictness); });
+        const sdp::Diagnostic* rejection = nullptr;
         for (const sdp::Diagnostic& diagnostic : reply.diagnostics) {
             log(call, printed(diagnostic, method_of(sip)));
+            if (rejection == nullptr && diagnostic.severity == sdp::Severity::REJECTION) {
+                rejection = &diagnostic;
+            }
         }
         log(call, reply.log);
-        if (reply.has_common) {
-            accept(call, handle, sip, reply.text);
+        if (!reply.has_common && rejection != nullptr) {
+            refuse(call, sip, SIP_488_NOT_ACCEPTABLE, {rejection->line, rejection->message});
         } else {
-            const auto reason = std::find_if(
-                reply.diagnostics.begin(), reply.diagnostics.end(), [](const auto& diagnostic) {
-                    return diagnostic.severity == sdp::Severity::REJECTION;
-                });
-            refuse(call, handle, sip, SIP_488_NOT_ACCEPTABLE, {reason->line, reason->message});
+            accept(call, sip, reply.text);
         }
     } catch (const sdp::Refusal& refusal) {
-        refuse(call, handle, sip, SIP_400_BAD_REQUEST, refusal);
+        refuse(call, sip, SIP_400_BAD_REQUEST, refusal);
     }
 }
 
-void Server::offer(Call& call, nua_handle_t* handle, const sip_t& sip) {
-    const sdp::Reply reply = timed([&] { return call.side.offer(); });
-    log(call, reply.log);
-    call.awaits_answer = true;
-    accept(call, handle, sip, reply.text);
-}
-
-void Server::take_ack(Call& call, nua_handle_t* handle, const sip_t& sip) {
+void Server::take_ack(Call& call, const sip_t& sip) {
     log(call, "ACK");
     if (!std::exchange(call.awaits_answer, false)) {
         return;
@@ -178,27 +161,25 @@ void Server::take_ack(Call& call, nua_handle_t* handle, const sip_t& sip) {
         }
         log(call, timed([&] { return call.side.take_answer(description_of(sip)); }));
     } catch (const sdp::Refusal& refusal) {
-        print_lines(call.name,
-                    sdp::place(method_of(sip), refusal.line) + ": hanging up: " + refusal.what());
-        nua_bye(handle, TAG_END());
+        print_lines(call.name, sdp::place("ACK", refusal.line) + ": hanging up: " + refusal.what());
+        nua_bye(call.handle, TAG_END());
     }
 }
 
-void Server::accept(const Call& call, nua_handle_t* handle, const sip_t& sip,
-                    const std::string& description) {
+void Server::accept(const Call& call, const sip_t& sip, const std::string& description) {
     log(call, method_of(sip) + ": accepted");
-    nua_respond(handle, SIP_200_OK, NUTAG_WITH_THIS(agent()),
+    nua_respond(call.handle, SIP_200_OK, NUTAG_WITH_THIS(agent.get()),
                 TAG_IF(!description.empty(), SIPTAG_CONTENT_TYPE_STR(sdp_type)),
                 TAG_IF(!description.empty(), SIPTAG_PAYLOAD_STR(description.c_str())), TAG_END());
 }
 
-void Server::refuse(const Call& call, nua_handle_t* handle, const sip_t& sip, int status,
-                    const char* phrase, const sdp::Refusal& reason) {
+void Server::refuse(const Call& call, const sip_t& sip, int status, const char* phrase,
+                    const sdp::Refusal& reason) {
     print_lines(call.name, sdp::place(method_of(sip), reason.line) + ": refused with " +
                                std::to_string(status) + ": " + reason.what());
     const std::string line = reason.line == 0 ? "" : "line " + std::to_string(reason.line) + ": ";
     const std::string warning = "399 " + settings.name + " \"" + line + reason.what() + "\"";
-    nua_respond(handle, status, phrase, NUTAG_WITH_THIS(agent()),
+    nua_respond(call.handle, status, phrase, NUTAG_WITH_THIS(agent.get()),
                 SIPTAG_WARNING_STR(warning.c_str()),
                 TAG_IF(status == 415, SIPTAG_ACCEPT_STR(sdp_type)), TAG_END());
 }
@@ -209,8 +190,12 @@ void Server::log(const Call& call, const std::string& text) const {
     }
 }
 
-void Server::log_error(const std::string& message) const {
-    print_lines(settings.name, message);
+void Server::log_statistics() const {
+    std::fprintf(stderr,
+                 "calls %lu, open %zu, heap in use %zu bytes, processor time %.3f s, of which "
+                 "descriptions %.3f s\n",
+                 calls_so_far, calls.size(), ::mallinfo2().uordblks,
+                 seconds(CLOCK_PROCESS_CPUTIME_ID), time_in_descriptions);
 }
 
 }  // namespace sip

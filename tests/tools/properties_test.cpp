@@ -1,20 +1,21 @@
+// Checks the properties for random descriptions.
+
+#include "properties.h"
+
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <random>
-#include <vector>
 
-#include "move/mover.h"
-#include "moves.h"
+#include "qova/capability.h"
 #include "qova/media.h"
-#include "sdp/reader.h"
 
 namespace {
 
-// Descriptions of every shape that the rules speak of, most of them with one address.
+// Makes descriptions that the rules of a move distinguish, most of them with one address. Each
+// statement draws one random number only, because the order of evaluation is unspecified.
 class RandomDescriptions {
 public:
-    // Bundles, and ports that are shared or none, which the model does not know.
+    // With bundles and shared ports, which the model does not know.
     explicit RandomDescriptions(bool with_bundles) : has_bundles(with_bundles) {}
 
     std::string next() {
@@ -27,8 +28,9 @@ public:
         }
         has_session_address = !one_in(4);
         if (has_session_address) {
-            line(pick({"", "", "", " "}) +
-                 "c=" + address({"10.0.0.1", "10.0.0.1", "10.0.0.1", "0.0.0.0", "10.0.0.9"}));
+            const std::string at =
+                address({"10.0.0.1", "10.0.0.1", "10.0.0.1", "0.0.0.0", "10.0.0.9"});
+            line(pick({"", "", "", " "}) + ("c=" + at));
         }
         if (has_bundles) {
             line("a=group:BUNDLE 0 1 2");
@@ -76,8 +78,8 @@ private:
                                  "203.0.113.5"}));
         }
         if (one_in(4)) {
-            line("a=rtcp:" + std::to_string(1 + random() % 65535) +
-                 pick({"", " IN IP4 10.0.0.1", " IN IP4 10.0.0.1"}));
+            const std::string rtcp = "a=rtcp:" + std::to_string(1 + random() % 65535);
+            line(rtcp + pick({"", " IN IP4 10.0.0.1", " IN IP4 10.0.0.1"}));
         }
         if (one_in(4)) {
             line(pick({"b=AS:64", "a=sendonly", "a=x"}));
@@ -94,69 +96,51 @@ private:
     bool has_session_address = false;
 };
 
-std::optional<sdp::Move> move_of(const std::string& text) {
-    try {
-        Plan plan = to_public;
-        plan.merge = true;
-        return move_by(text, plan);
-    } catch (const sdp::Refusal&) {
-        return std::nullopt;
-    }
-}
-
-TEST(SdpMoveOfAnyDescription, IsUndoneByTheReverseMoveOrRefused) {
+TEST(Properties, HoldForRandomDescriptions) {
     RandomDescriptions descriptions(true);
-    int accepted_count = 0;
-    int with_added_line = 0;
-    for (int i = 0; i < 20000; ++i) {
+    tools::Journey merge;
+    merge.options.merge = true;
+    tools::Counts counts;
+    for (int i = 0; i < 4000; ++i) {
         const std::string text = descriptions.next();
-        const auto move = move_of(text);
-        if (!move || !move->old_address) {
-            continue;
+        ASSERT_NO_THROW(tools::check_move(text, merge, counts)) << text;
+        if (i % 20 == 0) {
+            tools::Counts others;
+            ASSERT_NO_THROW(tools::check_properties(text, others)) << text;
         }
-        ++accepted_count;
-        with_added_line += move->text.size() > text.size() + 17 ? 1 : 0;
-        ASSERT_EQ(moved(move->text, back_to(old_address(*move))), text);
     }
-    EXPECT_GT(accepted_count, 5000);
-    EXPECT_GT(with_added_line, 500);
+    EXPECT_GT(counts.moved, 1200U);
+    EXPECT_GT(counts.restored, 1000U);
 }
 
-TEST(SdpMoveOfAnyDescription, LeavesATextThatReadsAsTheMovedModel) {
+TEST(RandomMove, LeavesATextThatReadsAsTheMovedModel) {
     RandomDescriptions descriptions(false);
-    IPAddress address;
-    IPAddress::Parse(to_public.address, address);
+    tools::Journey merge;
+    merge.options.merge = true;
     int compared = 0;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 4000; ++i) {
         const std::string text = descriptions.next();
-        const auto move = move_of(text);
-        if (!move) {
+        const auto moved = tools::move(text, merge);
+        if (moved.is_refused()) {
             continue;
         }
-        const sdp::Reading before =
+        const sdp::Reading model =
             sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
-        const sdp::Reading after =
-            sdp::read(sdp::Description(move->text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
-        // The model moves unspecified addresses too; the text keeps them.
-        before.capability->setPublicAddrPort(UDPAddr(address, 0), to_public.audio_port,
-                                             to_public.fax_port);
-        ASSERT_EQ(before.lines.size(), after.lines.size());
-        for (std::size_t k = 0; k < before.lines.size(); ++k) {
-            QOVA_Media* const moved = before.lines[k].media;
-            const QOVA_Media* const reread = after.lines[k].media;
-            ASSERT_EQ(moved == nullptr, reread == nullptr);
-            if (moved == nullptr) {
-                continue;
+        const sdp::Reading reread = sdp::read(sdp::Description(moved.value.text), sdp::Role::OFFER,
+                                              sdp::Strictness::LENIENT);
+        model.capability->setPublicAddrPort(UDPAddr(merge.plan.address.ip(), 0),
+                                            merge.plan.audio_port, merge.plan.fax_port);
+        ASSERT_EQ(model.lines.size(), reread.lines.size());
+        for (std::size_t k = 0; k < model.lines.size(); ++k) {
+            const QOVA_Media* const media = reread.lines[k].media;
+            // The model moves unspecified addresses, too; the text keeps them.
+            if (media != nullptr && media->address->IsAny() == 0) {
+                ASSERT_EQ(std::string(*model.lines[k].media), std::string(*media)) << text;
+                ++compared;
             }
-            if (reread->address->IsAny() != 0) {
-                delete moved->address;
-                moved->address = reread->address->Copy();
-            }
-            ASSERT_EQ(std::string(*moved), std::string(*reread)) << text;
-            ++compared;
         }
     }
-    EXPECT_GT(compared, 5000);
+    EXPECT_GT(compared, 1000);
 }
 
 }  // namespace

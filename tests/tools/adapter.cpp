@@ -1,0 +1,162 @@
+#include "adapter.h"
+
+#include <algorithm>
+#include <list>
+#include <stdexcept>
+
+#include "answer/changes.h"
+#include "netconf/sdp.h"
+#include "qova/capability.h"
+#include "qova/crypto.h"
+#include "qova/media.h"
+#include "sdp/audio.h"
+
+namespace tools {
+
+namespace {
+
+template <class T, class Call>
+Result<T> result_of(Call call) {
+    const auto refused = [](std::size_t line, const char* message) {
+        return Result<T>{{{line, sdp::Severity::WARNING, message}}, {}};
+    };
+    try {
+        return {{}, call()};
+    } catch (const sdp::Refusal& refusal) {
+        return refused(refusal.line, refusal.what());
+    } catch (const std::range_error& error) {
+        return refused(0, error.what());
+    }
+}
+
+std::string key_text(const QOVA_CryptoKey& key) {
+    std::string mki;
+    for (unsigned i = 0; i < sizeof key.mki; ++i) {
+        const auto byte = static_cast<unsigned char>(key.mki[i]);
+        mki += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
+    }
+    const auto end = std::find_if(std::rbegin(key.key), std::rend(key.key),
+                                  [](unsigned char byte) { return byte != 0; });
+    return "inline:" + base64(std::string(std::begin(key.key), end.base())) +
+           (key.lifetime == 0 ? "" : "|" + std::to_string(key.lifetime)) +
+           (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
+}
+
+std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
+    std::string text = std::to_string(line.number) + ": " + std::to_string(crypto.tag) + " " +
+                       Sdp::CryptoParser::enumToAlgo(crypto.algo);
+    for (const QOVA_CryptoKey& key : crypto.keys) {
+        text += " " + key_text(key);
+    }
+    return text;
+}
+
+std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
+    return sdp::read(sdp::Description(text), Role::OFFER, Strictness::LENIENT).capability;
+}
+
+}  // namespace
+
+std::vector<std::string> shown(const Diagnostics& diagnostics, std::size_t lines_before) {
+    std::vector<std::string> all;
+    for (const sdp::Diagnostic& one : diagnostics) {
+        const std::size_t line = one.line == 0 ? 0 : one.line + lines_before;
+        all.push_back(std::to_string(line) + ": " + one.message);
+    }
+    return all;
+}
+
+Result<sdp::Found> find(const std::string& file) {
+    return result_of<sdp::Found>([&] { return sdp::find_description(file); });
+}
+
+Result<Read> read(const std::string& text, Role role, Strictness strictness) {
+    return result_of<Read>([&] {
+        const sdp::Reading reading = sdp::read(sdp::Description(text), role, strictness);
+        Read result = {*reading.capability, reading.diagnostics, {}, {}};
+        for (const sdp::ReadLine& line : reading.lines) {
+            result.kinds.push_back(line.type + " " + line.transport);
+            for (const QOVA_Crypto* const crypto :
+                 line.media == nullptr ? std::list<QOVA_Crypto*>() : line.media->cryptos) {
+                result.cryptos.push_back(crypto_text(line, *crypto));
+            }
+        }
+        return result;
+    });
+}
+
+sdp::MediaAddress address(const std::string& text) {
+    const auto parsed = sdp::MediaAddress::parse(text);
+    if (!parsed) {
+        throw std::invalid_argument("invalid address '" + text + "'");
+    }
+    return *parsed;
+}
+
+Result<sdp::Move> move(const std::string& text, const Journey& journey) {
+    return result_of<sdp::Move>([&] { return sdp::move(text, journey.plan, journey.options); });
+}
+
+void Side::use_codecs(const std::vector<std::string>& names) {
+    policy.codecs.clear();
+    for (const std::string& name : names) {
+        policy.codecs.push_back(sdp::codec_named(name).value());
+    }
+}
+
+void Side::use_suites(const std::vector<std::string>& names) {
+    policy.suites.clear();
+    for (const std::string& name : names) {
+        policy.suites.push_back(Sdp::CryptoParser::algoToEnum(name));
+    }
+}
+
+Diagnostics Answered::of(sdp::Severity severity) const {
+    Diagnostics all;
+    std::copy_if(diagnostics.begin(), diagnostics.end(), std::back_inserter(all),
+                 [&](const sdp::Diagnostic& one) { return one.severity == severity; });
+    return all;
+}
+
+Result<Answered> answer(const std::string& text, const Side& side, const std::string& previous) {
+    return result_of<Answered>([&] {
+        // The first random bytes, of the session's number, count down from 255, the next from 239,
+        // and so on.
+        std::vector<std::string> blocks;
+        sdp::Policy policy = side.policy;
+        policy.random = [&blocks](unsigned char* to, std::size_t size) {
+            unsigned next = 255U - 16U * static_cast<unsigned>(blocks.size());
+            std::generate_n(to, size, [&next] { return static_cast<unsigned char>(next--); });
+            blocks.emplace_back(to, to + size);
+        };
+        sdp::CallSide call(policy, side.plan);
+        if (!previous.empty()) {
+            call.resume(previous);
+        }
+        Answered answered = {call.answer(text, Strictness::LENIENT), {}};
+        answered.keys.assign(blocks.begin() + 1, blocks.end());
+        return answered;
+    });
+}
+
+bool is_changed(const std::string& before, const std::string& now) {
+    return sdp::changed(*capability_of(before), *capability_of(now));
+}
+
+std::string base64(const std::string& bytes) {
+    constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        unsigned three = 0;
+        for (std::size_t i = at; i < at + 3; ++i) {
+            three = three << 8U | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
+        }
+        for (const unsigned shift : {18U, 12U, 6U, 0U}) {
+            text += digits[three >> shift & 63U];
+        }
+    }
+    std::fill_n(text.rbegin(), (3 - bytes.size() % 3) % 3, '=');
+    return text;
+}
+
+}  // namespace tools

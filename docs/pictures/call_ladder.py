@@ -13,12 +13,12 @@ IN, BACK = "in", "back"
 # what it uses of the library, line by line.
 CALL = [
     (IN, "INVITE", "offer: audio, video", [
-        ("sdp_reader", "reads the offer", ["QOVA_Capability, offer = true", "a QOVA_Media for each line"]),
+        ("reader", "reads the offer", ["QOVA_Capability, offer = true", "a QOVA_Media for each line"]),
         ("answerer", "copies the lines that it accepts,\nand leaves the codecs in common",
          ["QOVA_Media(const QOVA_Media&)", "find(QOVA_Codec)"]),
         ("call_side", "moves a copy to the public plan",
          ["QOVA_Capability(const QOVA_Capability&)", "setPublicAddrPort"]),
-        ("sdp_writer", "writes the answer", ["rcvPort, bsnd, brcv, cryptos"]),
+        ("writer", "writes the answer", ["rcvPort, bsnd, brcv, cryptos"]),
         ("call_side", "logs offer, answer and public one,\nand keeps the first and the last",
          ["operator const std::string"]),
     ]),
@@ -30,10 +30,10 @@ CALL = [
     (BACK, "200 OK", "the same answer", []),
     (IN, "ACK", "", []),
     (IN, "re-INVITE", "hold: a=sendonly", [
-        ("sdp_reader", "reads the offer", ["hold = true, brcv = false"]),
+        ("reader", "reads the offer", ["hold = true, brcv = false"]),
         ("answerer", "answers it as before", ["bsnd = false"]),
         ("call_side", "moves a copy to the public plan", ["setPublicAddrPort"]),
-        ("sdp_writer", "writes it as the next version", ["rcvPort, bsnd, brcv, cryptos"]),
+        ("writer", "writes it as the next version", ["rcvPort, bsnd, brcv, cryptos"]),
         ("changes", "compares offer and answer\nwith those of before",
          ["operator== of QOVA_Media,", "its parameters aside"]),
         ("call_side", "logs all three, and “changed”", ["operator const std::string"]),

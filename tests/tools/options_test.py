@@ -20,7 +20,7 @@ MOVE_NEEDS = "move requires --address, --audio-port and --fax-port"
 
 
 def run(*command):
-    done = subprocess.run(command, capture_output=True, text=True, check=False)
+    done = subprocess.run(command, capture_output=True, text=True, timeout=60, check=False)
     return done.returncode, done.stdout, done.stderr
 
 

@@ -103,7 +103,7 @@ private:
 
     void insert_connection(const Line& before) {
         const std::string ending(before.ending);
-        replace({end_of(before), 0},
+        replace(before.ending.substr(before.ending.size()),
                 ending.empty() ? connection_ending + old_connection : old_connection + ending);
     }
 

@@ -29,11 +29,12 @@ constexpr KeySize key_sizes[] = {
     {CS_AEAD_AES_256_GCM, 44, 44},
 };
 
-const KeySize* key_size_of(g_crypto_suite suite) {
+// Returns sizes of 0 for an unknown suite.
+KeySize key_size_of(g_crypto_suite suite) {
     const auto* const found =
         std::find_if(std::begin(key_sizes), std::end(key_sizes),
                      [suite](const KeySize& candidate) { return candidate.suite == suite; });
-    return found == std::end(key_sizes) ? nullptr : found;
+    return found == std::end(key_sizes) ? KeySize{suite, 0, 0} : *found;
 }
 
 // Names have any letter case, and offers often transpose those with 256-bit keys.
@@ -43,7 +44,7 @@ g_crypto_suite suite_of(std::string_view name) {
     for (char& c : suite) {
         c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     }
-    if (std::string_view(suite).substr(0, transposed.size()) == transposed) {
+    if (starts_with(suite, transposed)) {
         suite.replace(0, transposed.size(), "AES_256_CM_");
     }
     return Sdp::CryptoParser::algoToEnum(suite);
@@ -108,8 +109,8 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
     if (!size) {
         throw Refusal(line.number, "a=crypto: a key is not base64 or is too long");
     }
-    const KeySize* const sizes = key_size_of(suite);
-    if (sizes == nullptr || *size < sizes->min || *size > sizes->max) {
+    const KeySize sizes = key_size_of(suite);
+    if (*size < sizes.min || *size > sizes.max) {
         throw Refusal(line.number, "a=crypto: wrong key length for this suite");
     }
     std::size_t next = 1;
@@ -197,8 +198,7 @@ std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer) {
 }
 
 std::size_t key_size(g_crypto_suite suite) {
-    const KeySize* const sizes = key_size_of(suite);
-    return sizes == nullptr ? 0 : sizes->min;
+    return key_size_of(suite).min;
 }
 
 std::string without_keys(const Section& section) {

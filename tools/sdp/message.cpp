@@ -21,11 +21,6 @@ namespace {
 
 constexpr int max_depth = 8;  // of bodies inside bodies
 
-// Returns the first line of a text, without its line ending.
-std::string_view first_line(std::string_view text) {
-    return text.substr(0, text.find_first_of("\r\n"));
-}
-
 // Returns the offset of the next line.
 std::size_t next_line(std::string_view text, std::size_t at) {
     const std::size_t end = text.find('\n', at);

@@ -12,6 +12,14 @@ char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+// Faster for short texts than std::string_view::find_first_of, which calls memchr for each
+// character.
+std::size_t find_any(std::string_view text, std::string_view characters) {
+    return static_cast<std::size_t>(
+        std::find_first_of(text.begin(), text.end(), characters.begin(), characters.end()) -
+        text.begin());
+}
+
 }  // namespace
 
 bool same(std::string_view left, std::string_view right) {
@@ -29,14 +37,20 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(blanks) + 1);  // npos + 1 is 0
 }
 
+std::string_view first_line(std::string_view text) {
+    return text.substr(0, find_any(text, "\r\n"));
+}
+
 std::vector<std::string_view> split(std::string_view text, std::string_view separators,
                                     std::size_t max) {
     std::vector<std::string_view> pieces;
-    std::size_t end = text.find_first_of(separators);
-    while (end != std::string_view::npos && pieces.size() + 1 < max) {
+    while (pieces.size() + 1 < max) {
+        const std::size_t end = find_any(text, separators);
+        if (end == text.size()) {
+            break;
+        }
         pieces.push_back(text.substr(0, end));
         text.remove_prefix(end + 1);
-        end = text.find_first_of(separators);
     }
     pieces.push_back(text);
     return pieces;

@@ -24,6 +24,9 @@ constexpr std::string_view blanks = " \t";
 /// Returns the text without blanks at its ends.
 std::string_view trimmed(std::string_view text);
 
+/// Returns the first line of a text, without its line ending (LF, CR LF or CR).
+std::string_view first_line(std::string_view text);
+
 /// Splits a text at each of the separators into at most `max` pieces; the last piece is the rest of
 /// the text. The result has at least one piece, and pieces can be empty.
 std::vector<std::string_view> split(std::string_view text, std::string_view separators,

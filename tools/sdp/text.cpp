@@ -71,6 +71,13 @@ void check_order(const std::vector<Section>& sections) {
     }
 }
 
+// Returns the first line for which a test holds, or null.
+template <class Test>
+const Line* find(const Section& section, Test test) {
+    const auto found = std::find_if(section.begin(), section.end(), test);
+    return found == section.end() ? nullptr : &*found;
+}
+
 // A last label of digits would be part of an IPv4 address.
 bool is_host_name(std::string_view text) {
     const std::vector<std::string_view> labels = split(text, ".");
@@ -109,24 +116,23 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     if (text.substr(0, 3) == "\xef\xbb\xbf") {
         throw Refusal(1, "unexpected byte-order mark before v=");
     }
-    std::size_t line_number = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-        ++line_number;
-        const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-        const std::size_t next =
-            std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
-        const std::string_view content = text.substr(begin, end - begin);
-        if (!trimmed(content).empty()) {
-            if (sections.front().empty() && trimmed(content) != "v=0") {
-                throw Refusal(line_number, "not a session description: the first line is not v=0");
-            }
-            const Line line = make_line(line_number, content, text.substr(end, next - end));
-            if (line.type == 'm') {
-                sections.emplace_back();
-            }
-            sections.back().push_back(line);
+    std::string_view rest = text;
+    for (std::size_t number = 1; !rest.empty(); ++number) {
+        const std::string_view content = first_line(rest);
+        rest.remove_prefix(content.size());
+        const std::string_view ending = rest.substr(0, rest.substr(0, 2) == "\r\n" ? 2 : 1);
+        rest.remove_prefix(ending.size());
+        if (trimmed(content).empty()) {
+            continue;
         }
-        begin = next;
+        if (sections.front().empty() && trimmed(content) != "v=0") {
+            throw Refusal(number, "not a session description: the first line is not v=0");
+        }
+        const Line line = make_line(number, content, ending);
+        if (line.type == 'm') {
+            sections.emplace_back();
+        }
+        sections.back().push_back(line);
     }
     if (sections.front().empty()) {
         throw Refusal(0, "the description is empty");
@@ -134,15 +140,11 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
     check_order(sections);
 }
 
-std::size_t Description::offset(std::string_view piece) const {
-    return static_cast<std::size_t>(piece.data() - text.data());
-}
-
 std::size_t Description::line_at(std::size_t offset) const {
     std::size_t found = 1;
     for (const Section& section : sections) {
         for (const Line& line : section) {
-            if (this->offset(line.text) <= offset) {
+            if (line.text.data() <= text.data() + offset) {
                 found = line.number;
             }
         }
@@ -151,9 +153,7 @@ std::size_t Description::line_at(std::size_t offset) const {
 }
 
 const Line* first_connection(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(),
-                                    [](const Line& line) { return line.type == 'c'; });
-    return found == section.end() ? nullptr : &*found;
+    return find(section, [](const Line& line) { return line.type == 'c'; });
 }
 
 bool ends_in(std::string_view transport, std::string_view last) {
@@ -256,12 +256,11 @@ RtcpLine rtcp_line(const Line& line) {
 }
 
 const Line* rtcp_of(const Section& section) {
-    const auto found = std::find_if(section.begin(), section.end(), [](const Line& line) {
+    return find(section, [](const Line& line) {
         const std::vector<std::string_view> fields = tokens(line.value);
         return same(line.name, "rtcp") && !fields.empty() &&
                number(fields[0], max_port).value_or(0) != 0;
     });
-    return found == section.end() ? nullptr : &*found;
 }
 
 }  // namespace sdp

@@ -43,9 +43,6 @@ public:
     std::string_view text;          ///< The whole text.
     std::vector<Section> sections;  ///< The session's, then one for each media line.
 
-    /// Returns the offset of a piece of the text.
-    std::size_t offset(std::string_view piece) const;
-
     /// Returns the number of the line that has an offset. Linear in the number of lines.
     std::size_t line_at(std::size_t offset) const;
 };
@@ -58,7 +55,7 @@ struct MediaLine {
     std::string_view type;                  ///< Such as "audio".
     std::string_view port_digits;           ///< The port in the text.
     unsigned long port = 0;                 ///< 0 to 65535; 0 rejects the line.
-    unsigned long more_ports = 0;           ///< The number of ports that COUNT adds.
+    unsigned long more_ports = 0;           ///< Ports after the first; for RTP, COUNT counts pairs.
     std::string_view transport;             ///< Such as "RTP/AVP".
     bool is_rtp = false;                    ///< The transport ends in an RTP profile.
     std::vector<std::string_view> formats;  ///< At most 128; payload types up to 127 for RTP.

@@ -100,9 +100,7 @@ class Misuse(unittest.TestCase):
                "--listen", uri)
               for uri in ("host", "sip:", "http://127.0.0.1", "sip:127.0.0.1:65536"))))
 
-
-class Values(unittest.TestCase):
-    def test_forms(self):
+    def test_forms_of_values(self):
         sample = str(tools / "samples" / "offer.sdp")
         spaced = run(qova_sdp, *MOVE, sample)
         self.assertEqual(spaced[0], 0)

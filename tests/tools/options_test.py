@@ -47,7 +47,7 @@ class Misuse(unittest.TestCase):
 
     def test_options_of_other_commands(self):
         for command, options in (
-                ("log", "--address --back --codec --quiet -x --?"),
+                ("log", "--address --back --merge --verbose --codec --fax --local --quiet -x --?"),
                 ("move", "--local --public --previous --codec --fax --no-fax --listen"),
                 ("answer", "--answer --back --merge --verbose --address --quiet"),
                 ("qova-answer", "--answer --output --previous --address --merge")):

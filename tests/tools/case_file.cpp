@@ -12,7 +12,7 @@ namespace tools {
 namespace {
 
 constexpr char separator[] = " $/ ";
-const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[^$])");
+const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[\s\S])");
 const std::regex blanks("[ \t]+");
 const std::regex origin("^v=0\r\no=- \\d+ 1 ");  // the number of an answerer's session is random
 const std::string arrow = " => ";

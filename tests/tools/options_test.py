@@ -20,7 +20,7 @@ MOVE_NEEDS = "move requires --address, --audio-port and --fax-port"
 
 
 def run(*command):
-    done = subprocess.run(command, capture_output=True, text=True, check=False)
+    done = subprocess.run(command, capture_output=True, text=True, timeout=60, check=False)
     return done.returncode, done.stdout, done.stderr
 
 
@@ -47,7 +47,7 @@ class Misuse(unittest.TestCase):
 
     def test_options_of_other_commands(self):
         for command, options in (
-                ("log", "--address --back --codec --quiet -x --?"),
+                ("log", "--address --back --merge --verbose --codec --fax --local --quiet -x --?"),
                 ("move", "--local --public --previous --codec --fax --no-fax --listen"),
                 ("answer", "--answer --back --merge --verbose --address --quiet"),
                 ("qova-answer", "--answer --output --previous --address --merge")):
@@ -100,9 +100,7 @@ class Misuse(unittest.TestCase):
                "--listen", uri)
               for uri in ("host", "sip:", "http://127.0.0.1", "sip:127.0.0.1:65536"))))
 
-
-class Values(unittest.TestCase):
-    def test_forms(self):
+    def test_forms_of_values(self):
         sample = str(tools / "samples" / "offer.sdp")
         spaced = run(qova_sdp, *MOVE, sample)
         self.assertEqual(spaced[0], 0)

@@ -35,7 +35,7 @@ constexpr Option option_table[] = {
      "free port"},
     {"--address", "ADDRESS", MOVE, &Options::plan_address, "the new IPv4 or IPv6 address"},
     {"--local", "ADDRESS", ANSWER | SERVE, &Options::local,
-     "the local IPv4 or IPv6 address of the media (qova-answer: the host of --listen by default)"},
+     "the local IPv4 or IPv6 address of the media"},
     {"--codec", "NAME", ANSWER | SERVE, &Options::codecs,
      "accept this codec; may be repeated (default: PCMA, PCMU, G723, G729, G729A, G722, AMR-WB "
      "and opus)"},
@@ -44,7 +44,7 @@ constexpr Option option_table[] = {
     {"--previous", "FILE", ANSWER, &Options::previous,
      "the previous answer; reports whether anything changed since, and continues its session"},
     {"--public", "ADDRESS", ANSWER | SERVE, &Options::plan_address,
-     "answer with this public address and the public ports that belong to it:"},
+     "answer with this public address; requires the next two options"},
     {"--audio-port", "N", MOVE | ANSWER | SERVE, &Options::audio_port,
      "the public port for local audio port 32000"},
     {"--fax-port", "N", MOVE | ANSWER | SERVE, &Options::fax_port,
@@ -282,6 +282,7 @@ std::string server_usage() {
            "Answers SIP calls until it receives SIGINT or SIGTERM; then it ends its calls.\n"
            "Prints \"listening on URI\" when it accepts calls. Logs each offer and answer on\n"
            "standard error, and statistics when it receives SIGUSR1. Sends no media.\n"
+           "The host of --listen is the default of --local.\n"
            "\n" +
            options_of(SERVE) +
            "\n"

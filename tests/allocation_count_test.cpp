@@ -97,6 +97,17 @@ TEST_F(CountedAllocations, TextMakesOneBesideTheNamesOfTheSuites) {
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
 }
 
+TEST_F(CountedAllocations, TextAsksForEachParameterTextOnce) {
+    const auto made_by_text_of = [](const auto& object) {
+        return made_by([&] { static_cast<void>(static_cast<const std::string>(object)); });
+    };
+    QOVA_Media media;
+    fill(*media.amrwbParam);
+    fill(*media.opusParam);
+    EXPECT_EQ(made_by_text_of(media),
+              1 + made_by_text_of(*media.amrwbParam) + made_by_text_of(*media.opusParam));
+}
+
 TEST_F(CountedAllocations, NamesMakeNone) {
     EXPECT_EQ(made_by([] {
                   ToString(payload_type(127));

@@ -18,7 +18,7 @@ void* allocate(std::size_t size) {
         refused = true;
         refused_size = size;
         countdown = fail_all ? 1 : 0;
-        throw std::bad_alloc();
+        throw allocations::Refusal();
     }
     void* const block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr) {

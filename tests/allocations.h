@@ -4,6 +4,7 @@
 #define QOVA_TESTS_ALLOCATIONS_H
 
 #include <cstddef>
+#include <new>
 
 namespace allocations {
 
@@ -13,7 +14,10 @@ std::size_t live();
 // Allocations made so far, failed ones not counted.
 std::size_t made();
 
-// While an object of this class lives, allocations fail with std::bad_alloc: the n-th from now on,
+// What a failing allocation throws, as an allocator may throw a class of its own.
+class Refusal : public std::bad_alloc {};
+
+// While an object of this class lives, allocations fail with a Refusal: the n-th from now on,
 // counted from 1, and either only that one or all from there on. One object at a time.
 class Failure {
 public:

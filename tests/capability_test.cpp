@@ -220,6 +220,11 @@ TEST_F(CapabilityEquality, HoldsWhenEmptyAndWithItself) {
     expect_equal(a, a);
 }
 
+TEST_F(CapabilityEquality, FailsWithAMediaThatDoesNotEqualItself) {
+    qova::append<OwnAttribute>(append_comparable(a, Media::MT_AUDIO).attributes);
+    EXPECT_FALSE(a == a);
+}
+
 TEST_F(CapabilityEquality, IgnoresTheMediaWhenBothHaveAPassThroughText) {
     a.passThrough = b.passThrough = "the same";
     append_media(a, Media::MT_AUDIO);

@@ -72,6 +72,8 @@ TEST_P(CryptoCopy, IsIndependent) {
 TEST(CryptoClone, IsVirtual) {
     const Owned derived = full<Derived<QOVA_Crypto>>();
     EXPECT_EQ(describe(*Owned(derived->clone())), describe(*derived));
+    const Owned without_override = full<WithoutClone<QOVA_Crypto>>();
+    EXPECT_EQ(describe(*Owned(without_override->clone())), describe(*full<QOVA_Crypto>()));
 }
 
 // ---- Equality ----
@@ -175,7 +177,7 @@ TEST(CryptoText, PrintsTheMkiAsNumbersWithoutSeparator) {
 }
 
 TEST(CryptoText, TakesTheCompanionsNameOfAnySuite) {
-    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, -1, INT_MIN, INT_MAX}) {
+    for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, -1, INT_MIN, INT_MAX}) {
         QOVA_Crypto crypto;
         crypto.algo = static_cast<g_crypto_suite>(number);
         EXPECT_EQ(std::string(crypto),

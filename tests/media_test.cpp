@@ -244,6 +244,16 @@ TEST_F(MediaEquality, ComparesAddressesByMeaning) {
     expect_equal(a, b);
 }
 
+TEST_F(MediaEquality, HandsOnEveryByteOfTheOtherAddress) {
+    struct Exact : OwnAddress {
+        using OwnAddress::OwnAddress;
+        bool IsEqual(const std::string& other) const override { return other == text; }
+    };
+    qova::replace(a.address, std::make_unique<Exact>(std::string("a\0b", 3)));
+    qova::replace(b.address, std::make_unique<Exact>(std::string("a\0b", 3)));
+    expect_equal(a, b);
+}
+
 TEST_F(MediaEquality, StopsAtTheShorterListOfAttributes) {
     append_audio(a, CODEC_G711_ALAW);
     append_fax(a, FT_T38_TCP);
@@ -363,6 +373,15 @@ TEST_F(MediaSearch, FindsDerivedClassesInListOrder) {
     EXPECT_EQ(media.find_mf(CODEC_G722), &audio);
     EXPECT_EQ(media.find(FT_T38_TCP), &fax);
     EXPECT_EQ(media.find(FT_T38_UDPTL), nullptr);
+}
+
+TEST_F(MediaSearch, FindsASiblingBaseUnlessItIsPrivate) {
+    struct Private : OwnAttribute, private QOVA_AudioAttribute {};
+    struct Public : OwnAttribute, QOVA_AudioAttribute {};
+    qova::append(media.attributes, std::unique_ptr<OwnAttribute>(new Private));
+    const OwnAttribute& own =
+        qova::append(media.attributes, std::unique_ptr<OwnAttribute>(new Public));
+    EXPECT_EQ(media.find(CODEC_NIL), &dynamic_cast<const QOVA_AudioAttribute&>(own));
 }
 
 // The type is the field attributeType, not the class.

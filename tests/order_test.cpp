@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
 #include <memory>
 #include <string>
 
@@ -114,6 +115,95 @@ TEST_F(MediaOrder, OfAnAssignment) {
               "clone c2\n");
 }
 
+// ---- What the owned objects see of their owner meanwhile ----
+
+// Writes the target's fields when it is freed, copied or cloned.
+template <class Base>
+struct Watcher : Base {
+    Watcher(const QOVA_Media& watched, std::string& written) : target(watched), seen(written) {}
+    ~Watcher() override { look(); }
+
+    void look() const {
+        for (const unsigned field : {unsigned(target.mediaStatus), unsigned(target.mediaType),
+                                     unsigned(target.sndPort), target.cryptoCount}) {
+            seen += std::to_string(field);
+        }
+        seen += ' ';
+    }
+
+    const QOVA_Media& target;
+    std::string& seen;
+};
+
+template <class Base>
+struct ClonedWatcher : Watcher<Base> {
+    using Watcher<Base>::Watcher;
+    Base* clone() const override {
+        this->look();
+        return new Base(*this);
+    }
+};
+
+struct CopiedWatcher : Watcher<IPAddress> {
+    using Watcher::Watcher;
+    INetAddress* Copy() const override {
+        look();
+        return new IPAddress(*this);
+    }
+};
+
+TEST(MediaFields, ChangeStepByStepInAnAssignment) {
+    std::string seen;
+    QOVA_Media target;
+    QOVA_Media source;
+    const auto watch = [&](QOVA_Media& media) {
+        qova::replace(media.address, std::make_unique<CopiedWatcher>(target, seen));
+        qova::append(media.attributes,
+                     std::make_unique<ClonedWatcher<QOVA_DataAttribute>>(target, seen));
+        qova::append(media.cryptos, std::make_unique<ClonedWatcher<QOVA_Crypto>>(target, seen));
+    };
+    watch(target);
+    watch(source);
+    qova::replace(target.amrwbParam, std::make_unique<Watcher<Sdp::Sdp_Amrwb_Param>>(target, seen));
+    source.mediaStatus = QOVA_Media::MS_REJECTED;
+    source.mediaType = QOVA_Media::MT_VIDEO;
+    source.sndPort = 2;
+    source.cryptoCount = 2;
+    target = source;
+    EXPECT_EQ(seen,
+              "1000 1000 1000 "  // the attribute, the crypto line and the address are freed
+              "2200 "            // the address is copied
+              "2220 2220 "       // the AMR-WB parameters are freed, the attribute is cloned
+              "2222 ");          // the crypto line is cloned
+}
+
+template <class Base, class Element>
+struct Listed : Base {
+    Listed(const std::list<Element*>& own, std::string& written) : list(own), sizes(written) {}
+    ~Listed() override { sizes += std::to_string(list.size()); }
+
+    const std::list<Element*>& list;
+    std::string& sizes;
+};
+
+template <class Base, class Element>
+void append_two(std::list<Element*>& list, std::string& sizes) {
+    qova::append(list, std::make_unique<Listed<Base, Element>>(list, sizes));
+    qova::append(list, std::make_unique<Listed<Base, Element>>(list, sizes));
+}
+
+TEST(OrderOfFreeing, IsEachElementThenItsListNode) {
+    std::string sizes;
+    {
+        QOVA_Capability capability;
+        append_two<QOVA_Media>(capability.filteredMedia, sizes);
+        QOVA_Media media;
+        append_two<QOVA_DataAttribute>(media.attributes, sizes);
+        append_two<QOVA_Crypto>(media.cryptos, sizes);
+    }
+    EXPECT_EQ(sizes, "212121");
+}
+
 // ---- Comparing media ----
 
 class MediaEqualityOrder : public Order {
@@ -166,6 +256,12 @@ TEST_F(MediaEqualityOrder, StopsAtTheFirstUnequalAttribute) {
               "differs left from right\n"
               "compare left a1 with right a1\n");
     EXPECT_TRUE(right == left);
+}
+
+TEST_F(MediaEqualityOrder, AsksTheAddressEvenOfTheSameMedia) {
+    dynamic_cast<LoggedAddress&>(*left.address).differs = true;
+    EXPECT_FALSE(left == left);
+    EXPECT_EQ(journal.text(), "text of left\ndiffers left from left\n");
 }
 
 // An address that does not override operator!= is asked through IsEqual.
@@ -380,9 +476,12 @@ TEST_F(CapabilityEqualityOrder, StopsAtTheFirstUnequalMedia) {
 }
 
 TEST_F(CapabilityEqualityOrder, AsksNoMediaWhenFlagsTextsOrNumbersDecide) {
-    other.hold = true;
-    EXPECT_FALSE(capability == other);
-    other.hold = false;
+    for (bool QOVA_Capability::*const flag :
+         {&QOVA_Capability::offer, &QOVA_Capability::hold, &QOVA_Capability::silenceSuppSdp}) {
+        other.*flag = true;
+        EXPECT_FALSE(capability == other);
+        other.*flag = false;
+    }
 
     capability.passThrough = "text";
     EXPECT_FALSE(capability == other);

@@ -25,11 +25,11 @@ QOVA_Capability make_offer() {
 void read(const QOVA_Capability& capability) {
     const QOVA_Capability copy(capability);
     const std::string text = capability;
-    const bool found = capability.find(CODEC_G722) != nullptr &&
-                       capability.find(FT_T38_TCP) == nullptr &&
-                       capability.find_mf(CODEC_NIL) != nullptr &&
-                       capability.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_UNKNOWN).size() == 1 &&
-                       capability.isMute();
+    const bool found =
+        capability.find(CODEC_G722) != nullptr && capability.find(FT_T38_TCP) == nullptr &&
+        capability.find_mf(CODEC_NIL) != nullptr &&
+        capability.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_UNKNOWN).size() == 1 &&
+        capability.isMute() && ToString(CODEC_OPUS) == "OPUS" && ToString(EM_NIL) == "nil";
     if (!found || !(capability == capability) || text != static_cast<const std::string&>(copy)) {
         std::abort();
     }

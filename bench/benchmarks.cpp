@@ -1,6 +1,5 @@
-// The contestants of an operation run in turn, so that the machine's load and clock rate affect
-// them alike: the ratio of two times of one round is steady where the times are not. A round is a
-// repetition of Google Benchmark; its own timing would run one contestant after the other.
+// Runs the contestants of an operation in turn: see docs/performance.md. A round is a repetition of
+// Google Benchmark, whose own timing would run all rounds of one contestant before the next.
 
 #include <benchmark/benchmark.h>
 #include <fmt/compile.h>
@@ -31,8 +30,8 @@ void expect(bool condition, const char* otherwise) {
     }
 }
 
-// In turn: audio with eight payloads and two crypto lines, T.38 fax, and video. Equality compares
-// parameter objects by identity, so only offers without them can be equal.
+// The lines alternate: audio with eight payloads and two crypto lines, T.38 fax, video. Equality
+// compares parameter objects by identity, so only offers without them can be equal.
 std::shared_ptr<Capability> make_offer(int lines, bool with_parameters = true) {
     auto offer = std::make_shared<Capability>();
     for (int line = 0; line < lines; ++line) {
@@ -97,7 +96,6 @@ std::shared_ptr<const sdp_session_t> make_session(int lines) {
 }
 
 // Visits each block that a copy has to allocate: its size, and the members that equality compares.
-// This list comes from the model, so a needless allocation in the library raises its ratio.
 template <class Visit>
 void each_block(const Capability& offer, Visit visit) {
     const std::size_t node = 3 * sizeof(void*);
@@ -147,8 +145,8 @@ Contestant contestant(const char* name, Operation operation) {
             }};
 }
 
-// The floor of a copy, or of an assignment to an equal offer: the blocks allocated, each filled by
-// one memcpy, and freed.
+// The floor of a copy: allocates the blocks, fills each with one memcpy, and frees them. The floor
+// of an assignment to an equal offer frees them first.
 Contestant floor_of(const Capability& offer, bool free_first) {
     std::vector<std::pair<std::vector<char>, void*>> blocks;  // sources and copies
     each_block(offer, [&](std::size_t size, auto...) {
@@ -210,7 +208,7 @@ Contestants search(int lines, bool hit) {
     const auto codec = hit ? CODEC_G711_NIL : CODEC_G729_NIL;
     const auto offer = make_offer(lines);
     const auto find = [offer, codec] { return offer->find(codec) != nullptr; };
-    // Asks no object for its class.
+    // Does not check the class of an object.
     const auto walk = [offer, codec] {
         for (const Media* media : offer->filteredMedia) {
             if (media->mediaType == Media::MT_AUDIO) {
@@ -233,7 +231,7 @@ Contestants search(int lines, bool hit) {
         }
         return media != nullptr;
     };
-    expect(find() == hit && walk() == hit && find_map() == hit, "a search fails");
+    expect(find() == hit && walk() == hit && find_map() == hit, "a search has the wrong result");
     return {contestant("libqova", find), contestant("walk", walk),
             contestant("sofia-sip", find_map)};
 }
@@ -299,7 +297,7 @@ Contestants text(int lines) {
             contestant("sofia-sip", print_session)};
 }
 
-// The operations of a turn handle `lines_per_turn` lines in all, which takes some milliseconds.
+// In each turn, a contestant handles `lines_per_turn` lines in all, which takes a few milliseconds.
 void add(const std::string& name, int lines_per_turn, Contestants (*make)(int lines)) {
     for (const int lines : {3, 96, 1536}) {
         const auto round = [=, all = Contestants()](benchmark::State& state) mutable {
@@ -322,7 +320,7 @@ void add(const std::string& name, int lines_per_turn, Contestants (*make)(int li
 }
 
 const bool registered = [] {
-    mallopt(M_MMAP_THRESHOLD, 1 << 25);  // keeps freed blocks, so that the kernel plays no part
+    mallopt(M_MMAP_THRESHOLD, 1 << 25);  // keeps freed blocks: no system calls
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     add("copy", 12288, copy);
     add("assignment", 12288, assignment);

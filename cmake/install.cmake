@@ -1,4 +1,4 @@
-# What `cmake --install` and `cpack` put where. Nothing here needs the prefix to stay where it is.
+# What `cmake --install` and `cpack` install, and where. An installation can be moved as a whole.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qova)
@@ -16,7 +16,7 @@ cmake_path(RELATIVE_PATH prefix_from_pc BASE_DIRECTORY ${libdir}/pkgconfig)
 cmake_path(RELATIVE_PATH libdir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
 cmake_path(RELATIVE_PATH includedir BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX})
 
-# Another companion has its own headers, and is found by whoever builds against it.
+# Another companion has its own headers. Projects that use libqova find it themselves.
 if(QOVA_COMPANION_TARGET STREQUAL "")
     install(DIRECTORY companion/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qova-companion
         FILES_MATCHING PATTERN *.h)
@@ -24,7 +24,7 @@ if(QOVA_COMPANION_TARGET STREQUAL "")
     set(companion_libs " -lqova_companion")
 endif()
 
-# The component "tools". It needs sofia-sip to link, but no header of it to compile.
+# The component "tools". Its users link with sofia-sip but do not include its headers.
 if(TARGET qova_sdp)
     foreach(room sdp move answer)
         set_target_properties(qova_${room} PROPERTIES
@@ -67,13 +67,13 @@ if(TARGET qova-sdp)
     install(FILES tools/qova-sdp.1 tools/qova-answer.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
 
-# All pages keep their place to each other, so that the links between them hold.
+# The pages keep their relative places, so that the links between them work.
 install(FILES README.md CHANGELOG.md TYPE DOC OPTIONAL)
 install(DIRECTORY tools TYPE DOC PATTERN .clang-tidy EXCLUDE PATTERN *.1 EXCLUDE)
 install(DIRECTORY docs TYPE DOC
     FILES_MATCHING REGEX "\\.(md|svg)$" REGEX "/guides/.*\\.(cpp|txt)$")
 
-# One archive for each target, `tar -C SYSROOT -xf` it; and with `cpack -G DEB` a Debian package.
+# An archive for each target, to unpack with `tar -C SYSROOT -xf`; a Debian package with `-G DEB`.
 set(CPACK_GENERATOR TGZ)
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/packages)
 set(CPACK_PACKAGE_VENDOR qova)

@@ -1,5 +1,5 @@
-# The device: 32-bit big-endian PowerPC Linux, built with Debian's g++-powerpc-linux-gnu and run
-# under qemu-ppc.
+# The device: 32-bit big-endian PowerPC Linux. Programs are built with Debian's
+# g++-powerpc-linux-gnu and run under qemu-ppc.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ppc)
 set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)

@@ -24,7 +24,7 @@ void append_own(std::string& text, const QOVA_FaxAttribute& fax) {
                  " / errCorr=", fax.errCorr, "\n");
 }
 
-// The text says "NIL" whatever the type is, so that logs of different releases stay comparable.
+// Shows "NIL" whatever the type is, so that logs of different releases stay comparable.
 void append_own(std::string& text, const QOVA_DataAttribute& /*data*/) {
     qova::append(text, "\t\t -> Data / type=NIL\n");
 }
@@ -36,7 +36,7 @@ std::string own_text(const Attribute& attribute) {
     return text;
 }
 
-// Appends the attribute's text if it is exactly a `Class`. Returns whether it was.
+// Appends the text of an attribute that is exactly a `Class`. Returns false for other attributes.
 template <class Class>
 bool append_exactly(std::string& text, const QOVA_MediaAttribute& attribute) {
     const Class* const own = qova::exactly<Class>(attribute);

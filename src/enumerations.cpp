@@ -11,7 +11,7 @@ namespace {
 
 using Name = char[qova::name_size];
 
-// The names of the values 0, 1, 2 ... of each enumeration. The last name is that of all other
+// The names of the values 0, 1, 2 ... of each enumeration. The last entry is the name of all other
 // values.
 constexpr Name codec_names[] = {"NIL",     "G711alaw", "G711ulaw", "G723",   "G729", "G729a",
                                 "G711nil", "G729nil",  "G722",     "G722.2", "OPUS", "NIL"};
@@ -35,7 +35,7 @@ char* put_name(char* to, const Name (&names)[Count], int value) {
     return put_name(to, names, Count - 1, value);
 }
 
-// The name of a value as a string.
+// Returns the name of a value.
 template <class Enumeration>
 std::string name_of(Enumeration value) {
     std::string name;

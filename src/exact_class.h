@@ -1,4 +1,4 @@
-// Tests and casts by an object's dynamic class.
+// Checks and casts by the dynamic class of an object.
 
 #ifndef QOVA_SRC_EXACT_CLASS_H
 #define QOVA_SRC_EXACT_CLASS_H
@@ -7,7 +7,7 @@
 
 namespace qova {
 
-// Returns the object if its dynamic type is exactly `Class`, else null.
+// Returns the object if its dynamic type is exactly `Class`, and null otherwise.
 template <class Class, class Object>
 const Class* exactly(const Object& object) {
     return typeid(object) == typeid(Class) ? static_cast<const Class*>(&object) : nullptr;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Returns the first attribute of the class, or of a derived one, that matches; or null.
+// Returns the first match among the attributes of `Class` and of derived classes, or null.
 template <class Class, class Match>
 Class* find_attribute(const std::list<QOVA_MediaAttribute*>& attributes, Match matches) {
     for (QOVA_MediaAttribute* attribute : attributes) {

@@ -1,4 +1,4 @@
-// Lists that own what their pointers point to, and the comparison of two lists.
+// Lists of owning pointers: freeing, copying and comparing them.
 
 #ifndef QOVA_SRC_OWNED_LIST_H
 #define QOVA_SRC_OWNED_LIST_H

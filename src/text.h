@@ -21,7 +21,7 @@ namespace qova {
 // Every name fills an array of this size, padded with NULs, so that it can be copied as a block.
 inline constexpr std::size_t name_size = 12;
 
-// The largest number of characters of a piece. Enumerations are printed by name, arrays of bytes as
+// Returns the maximum length of a piece. Enumerations are printed by name, arrays of bytes as
 // numbers without separators.
 template <class Piece>
 constexpr std::size_t longest() {
@@ -41,11 +41,11 @@ constexpr std::size_t longest() {
 static_assert(longest<char[4]>() == 3 && longest<unsigned char[8]>() == 24 &&
               longest<bool>() == 1 && longest<unsigned int>() == 10 && longest<int>() == 11);
 
-// Writes a piece and returns its end. Numbers: text.cpp.
+// Each put() writes a piece and returns its end. These are in text.cpp.
 char* put(char* to, int value);
 char* put(char* to, unsigned int value);
 
-// Names: enumerations.cpp.
+// These write names and are in enumerations.cpp.
 char* put(char* to, QOVA_Codec value);
 char* put(char* to, QOVA_EarlyMedia value);
 char* put(char* to, QOVA_FaxTransport value);
@@ -82,14 +82,14 @@ void append(std::string& text, const Piece&... pieces) {
     text.append(line, static_cast<std::size_t>(end - line));
 }
 
-// Appends the log text of an attribute: attributes.cpp. Attributes of other classes render
+// Appends the log text of an attribute (attributes.cpp). Attributes of other classes render
 // themselves.
 void append_text(std::string& text, const QOVA_MediaAttribute& attribute);
 
-// Appends the log text of a crypto line: crypto.cpp.
+// Appends the log text of a crypto line (crypto.cpp).
 void append_text(std::string& text, const QOVA_Crypto& crypto);
 
-// Appends the log text of a media: media.cpp.
+// Appends the log text of a media (media.cpp).
 void append_text(std::string& text, const QOVA_Media& media);
 
 // Estimates for texts of usual length, so that the result rarely has to grow.

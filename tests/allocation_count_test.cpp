@@ -1,4 +1,4 @@
-// How many blocks each operation allocates.
+// The number of blocks that each operation allocates.
 
 #include <gtest/gtest.h>
 
@@ -88,7 +88,7 @@ TEST_F(CountedAllocations, EditsMakeOnlyTheNewAddresses) {
 }
 
 // The names of the crypto suites are strings of the companion.
-TEST_F(CountedAllocations, TextMakesOneBesideTheNamesOfTheSuites) {
+TEST_F(CountedAllocations, TextMakesOneBesidesTheNamesOfTheSuites) {
     offer.passThrough = std::string(10000, 'x');
     std::string text;
     EXPECT_EQ(made_by([&] { text = std::string(offer); }), 1 + crypto_lines);

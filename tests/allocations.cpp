@@ -8,7 +8,7 @@ namespace {
 
 std::size_t live_count = 0;
 std::size_t made_count = 0;
-std::size_t countdown = 0;  // 0: no failure is asked for
+std::size_t countdown = 0;  // 0: no failure is requested
 bool fail_all = false;
 bool refused = false;
 std::size_t refused_size = 0;
@@ -24,7 +24,7 @@ void* allocate(std::size_t size) {
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    std::memset(block, 0xa5, size);  // shows a member that no constructor sets
+    std::memset(block, 0xa5, size);  // reveals members that no constructor sets
     ++live_count;
     ++made_count;
     return block;

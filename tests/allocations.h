@@ -1,4 +1,4 @@
-// The test program replaces the global allocation functions: it counts, and fails on request.
+// Replaces the global allocation functions: these count allocations, and fail on request.
 
 #ifndef QOVA_TESTS_ALLOCATIONS_H
 #define QOVA_TESTS_ALLOCATIONS_H
@@ -8,10 +8,10 @@
 
 namespace allocations {
 
-// Blocks that were allocated and not freed yet.
+// Returns the number of blocks that are allocated and not yet freed.
 std::size_t live();
 
-// Allocations made so far, failed ones not counted.
+// Returns the number of allocations so far, without failed ones.
 std::size_t made();
 
 // What a failing allocation throws, as an allocator may throw a class of its own.
@@ -28,10 +28,10 @@ public:
     Failure(const Failure&) = delete;
     Failure& operator=(const Failure&) = delete;
 
-    // Whether the n-th allocation was asked for, and so refused.
+    // Returns true if the n-th allocation was attempted, and so failed.
     static bool consumed();
 
-    // The size of the block that was refused last.
+    // Returns the size of the last allocation that failed.
     static std::size_t size();
 };
 

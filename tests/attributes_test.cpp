@@ -43,14 +43,14 @@ TEST(AttributeDefaults, AreNeutral) {
     EXPECT_EQ(describe_new<Data>(), "QOVA_DataAttribute status=0 attributeType=0 type=0");
 }
 
-// ---- What holds for each of the four classes ----
+// ---- Rules that all four classes share ----
 
 template <class Attribute>
 class EachAttribute : public testing::Test {
 protected:
     const std::unique_ptr<Attribute> attribute = full<Attribute>();
     const std::unique_ptr<Attribute> like = full<Attribute>();
-    const QOVA_MediaAttribute& base = *attribute;  // as its owner sees it
+    const QOVA_MediaAttribute& base = *attribute;  // as the owner of the list sees it
 };
 
 using AttributeClasses = testing::Types<Audio, Video, Fax, Data>;
@@ -61,7 +61,7 @@ TYPED_TEST(EachAttribute, CopyHasEveryMember) {
     EXPECT_EQ(describe(copy), describe(*this->like));
 }
 
-TYPED_TEST(EachAttribute, CloneHasClassAndMembersOfItsSource) {
+TYPED_TEST(EachAttribute, CloneHasTheSameClassAndMembers) {
     const Owned clone(this->base.clone());
     EXPECT_EQ(describe(*clone), describe(*this->like));
     expect_equal(*clone, this->base);
@@ -78,7 +78,7 @@ TYPED_TEST(EachAttribute, CloneIsIndependent) {
     EXPECT_EQ(describe(*clone), describe(*this->like));
 }
 
-TYPED_TEST(EachAttribute, EqualsItselfAndItsLike) {
+TYPED_TEST(EachAttribute, EqualsAnAttributeWithTheSameFields) {
     expect_equal(this->base, this->base);
     expect_equal(this->base, *this->like);
 }
@@ -113,7 +113,7 @@ TYPED_TEST(EachAttribute, IsAsymmetricWithADerivedClass) {
     expect_unequal(*derived, *derived);
 }
 
-TEST(AttributeEquality, WithoutAnOverrideIsAlwaysFalse) {
+TEST(AttributeEquality, IsAlwaysFalseWithoutAnOverride) {
     const OwnAttribute own;
     expect_unequal<QOVA_MediaAttribute>(own, own);
 }
@@ -253,7 +253,7 @@ TEST(DataText, IsFixed) {
     EXPECT_EQ(std::string(*full<Data>()), "\t\t -> Data / type=NIL\n");
 }
 
-TEST(AttributeNumbers, PrintInEveryLength) {
+TEST(AttributeNumbers, PrintAtEveryLength) {
     const auto expect_printed = [](int number) {
         Audio audio;
         audio.framing = number;

@@ -1,4 +1,4 @@
-// What the tests build with: addresses, payloads, keys, and filled objects of every class.
+// Building blocks for tests: addresses, payloads, keys, and filled objects of every class.
 
 #ifndef QOVA_TESTS_BUILDING_BLOCKS_H
 #define QOVA_TESTS_BUILDING_BLOCKS_H
@@ -65,7 +65,7 @@ Media& append_media(QOVA_Capability& capability, QOVA_Media::e_MediaType type,
     return media;
 }
 
-// A key whose material counts on from its first byte.
+// A key whose material counts up from its first byte.
 inline QOVA_CryptoKey key_of(unsigned int lifetime, unsigned char first_byte_of_mki,
                              unsigned char material) {
     QOVA_CryptoKey key = {};
@@ -85,7 +85,7 @@ inline QOVA_Media& drop_parameters(QOVA_Media& media) {
     return media;
 }
 
-// ---- Filled objects: each member differs from its default, and from the others where it can ----
+// ---- Filled objects: each member differs from its default and, if possible, from the others ----
 
 inline void fill_base(QOVA_MediaAttribute& attribute) {
     attribute.status = QOVA_Media::MS_MODIFIED;
@@ -158,7 +158,7 @@ inline void fill(Sdp::Sdp_Opus_Param& parameters) {
     parameters.spropStereo = true;
 }
 
-// The texts are too long for a string's own room, so that they take an allocation.
+// The texts are too long for a string's internal buffer, so they need an allocation.
 inline void fill(QOVA_Media& media) {
     media.mediaStatus = QOVA_Media::MS_MODIFIED;
     media.mediaType = QOVA_Media::MT_AUDIO;

@@ -49,13 +49,13 @@ TEST(CapabilityDefaults, AreEmptyAndFalse) {
               "filteredMedia: 0");
 }
 
-// ---- The flags: what copies, equality and the text make of each ----
+// ---- The flags: how copies, equality and the log text treat each ----
 
 struct Flag {
     const char* name;
     void (*set)(Capability& capability);
     bool compared;
-    const char* text;  // of an otherwise empty capability
+    const char* text;  // the log text of an otherwise empty capability
 };
 
 void PrintTo(const Flag& flag, std::ostream* out) {
@@ -98,7 +98,7 @@ TEST_P(CapabilityFlag, IsCopied) {
     EXPECT_EQ(describe(*target), describe(without));
 }
 
-TEST_P(CapabilityFlag, IsComparedOrLeftOut) {
+TEST_P(CapabilityFlag, IsComparedOrIgnored) {
     for (const char* const text : {"", "the same"}) {
         with.passThrough = without.passThrough = text;
         if (GetParam().compared) {
@@ -109,7 +109,7 @@ TEST_P(CapabilityFlag, IsComparedOrLeftOut) {
     }
 }
 
-TEST_P(CapabilityFlag, IsPrintedOrLeftOut) {
+TEST_P(CapabilityFlag, IsPrintedOrOmitted) {
     EXPECT_EQ(std::string(with), GetParam().text);
 }
 
@@ -169,14 +169,14 @@ TEST_P(CapabilityCopy, IsIndependentOfItsSource) {
     EXPECT_EQ(describe(*result), full_description);
 }
 
-TEST_P(CapabilityCopy, LeavesItsSourceWhenItChanges) {
+TEST_P(CapabilityCopy, ChangesWithoutChangingItsSource) {
     Owned result = copy(*source);
     scramble(*result);
     result.reset();
     EXPECT_EQ(describe(*source), full_description);
 }
 
-TEST(CopyOfDerivedMedia, KeepsItsClassByConstructorOnly) {
+TEST(CopyOfDerivedMedia, KeepsItsClassOnlyInCopyConstruction) {
     Capability source;
     append_media<Derived<Media>>(source, Media::MT_VIDEO);
     const Capability copy(source);
@@ -188,7 +188,7 @@ TEST(CopyOfDerivedMedia, KeepsItsClassByConstructorOnly) {
     EXPECT_EQ(std::string(target), std::string(source));
 }
 
-// There is no guard against it, and programs can see that.
+// There is no guard against self-assignment, and programs can observe that.
 TEST(CapabilityAssignment, ToItselfFreesTheMediaAndKeepsTheRest) {
     const Owned capability = full<Capability>();
     const Owned expected = full<Capability>();
@@ -213,7 +213,7 @@ protected:
     Capability b;
 };
 
-TEST_F(CapabilityEquality, HoldsWhenEmptyAndWithItself) {
+TEST_F(CapabilityEquality, IsTrueForEmptyOnesAndForItself) {
     expect_equal(a, b);
     fill(a);
     a.passThrough.clear();
@@ -260,7 +260,7 @@ TEST_F(CapabilityEquality, ComparesTheMediaPairByPair) {
 }
 
 // Unlike the lists within a media.
-TEST_F(CapabilityEquality, NeedsTheSameNumberOfMedia) {
+TEST_F(CapabilityEquality, RequiresTheSameNumberOfMedia) {
     append_comparable(a, Media::MT_AUDIO);
     expect_unequal(a, b);
     append_comparable(b, Media::MT_AUDIO);
@@ -269,7 +269,7 @@ TEST_F(CapabilityEquality, NeedsTheSameNumberOfMedia) {
 }
 
 // The copies of the media have their own parameter objects, which are compared by identity.
-TEST_F(CapabilityEquality, FailsWithACopyThatHasMedia) {
+TEST_F(CapabilityEquality, IsFalseForACopyWithMedia) {
     b = a;
     expect_equal(a, b);
     append_media(a, Media::MT_AUDIO);
@@ -306,7 +306,7 @@ TEST_F(CapabilitySearch, ByKindAndStatusReturnsAllInListOrder) {
     EXPECT_EQ(capability.find(Media::MT_FAX, Media::MS_ACCEPTED), MediaList{&fax});
     EXPECT_EQ(capability.find(Media::MT_FAX, Media::MS_REJECTED), MediaList());
     EXPECT_EQ(capability.find(Media::MT_NIL, Media::MS_UNKNOWN), MediaList());
-    // Unknown stands for any status.
+    // MS_UNKNOWN matches any status.
     EXPECT_EQ(capability.find(Media::MT_AUDIO, Media::MS_UNKNOWN),
               (MediaList{&accepted, &rejected, &unknown, &last}));
 }
@@ -340,7 +340,7 @@ TEST_F(CapabilitySearch, ByTransportReturnsTheFirstMedia) {
     EXPECT_EQ(capability.find(FT_NIL), nullptr);
 }
 
-TEST_F(CapabilitySearch, LooksAtItsKindOfMediaOnly) {
+TEST_F(CapabilitySearch, IgnoresOtherKindsOfMedia) {
     for (const int type : {0, 1, 2, 3, 4}) {
         auto& media = append_media(capability, static_cast<Media::e_MediaType>(type));
         if (type != Media::MT_AUDIO) {
@@ -381,7 +381,7 @@ TEST(MuteCapability, HasAMuteAudioMedia) {
 
 // ---- Bulk edits ----
 
-TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfItsKind) {
+TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfTheKind) {
     Capability capability;
     append_media(capability, Media::MT_FAX);
     auto& first = append_media(capability, Media::MT_AUDIO, Media::MS_MODIFIED);
@@ -390,7 +390,7 @@ TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfItsKind) {
         set_ports(*media, {1, 2, 3, 4});
     }
     const std::string before = describe(capability);
-    // A second call does not go on to the next media.
+    // A second call does not reject the next media.
     capability.rejectMedia(Media::MT_AUDIO);
     capability.rejectMedia(Media::MT_AUDIO);
     EXPECT_EQ(ports_of(first), (Ports{0, 0, 3, 4}));
@@ -398,7 +398,7 @@ TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfItsKind) {
     EXPECT_EQ(describe(capability), before) << "nothing else changes";
 }
 
-TEST(RejectMedia, ChangesNothingWithoutMediaOfItsKind) {
+TEST(RejectMedia, ChangesNothingWithoutMediaOfTheKind) {
     const Owned capability = full<Capability>();
     capability->rejectMedia(Media::MT_VIDEO);
     EXPECT_EQ(describe(*capability), describe(*full<Capability>()));
@@ -499,7 +499,7 @@ TEST_P(EitherMove, ShiftsThePortsOfAudioAndFaxOnly) {
     EXPECT_EQ(describe(capability), describe(expected));
 }
 
-TEST_P(EitherMove, SkipsRejectedMediaAndGoesOn) {
+TEST_P(EitherMove, SkipsOnlyRejectedMedia) {
     auto& rejected = append_media(capability, Media::MT_AUDIO, Media::MS_REJECTED);
     const std::string before = describe(rejected, PLACES);
     auto& next = append_media(capability, Media::MT_AUDIO, Media::MS_UNKNOWN);
@@ -511,7 +511,7 @@ TEST_P(EitherMove, SkipsRejectedMediaAndGoesOn) {
 
 TEST_P(EitherMove, GivesEachMediaItsOwnCopyOfTheAddress) {
     auto& first = append_media(capability, Media::MT_AUDIO);
-    qova::replace(first.address, std::unique_ptr<INetAddress>());  // a null address is filled, too
+    qova::replace(first.address, std::unique_ptr<INetAddress>());  // null is replaced, too
     auto& second = append_media(capability, Media::MT_VIDEO);
     move();
     EXPECT_NE(first.address, second.address);
@@ -522,7 +522,7 @@ TEST_P(EitherMove, GivesEachMediaItsOwnCopyOfTheAddress) {
 
 const std::string summary = "Capability(answer, Not Hold, silenceSuppSdp=no)";
 
-TEST(CapabilityText, OfAFullCapability) {
+TEST(CapabilityText, FullCapability) {
     const Owned capability = full<Capability>();
     *capability->filteredMedia.front() = Media();
     EXPECT_EQ(std::string(*capability),
@@ -566,7 +566,7 @@ TEST(AllTexts, DoNotDependOnTheGlobalLocale) {
     const GroupingLocale grouping;
     std::ostringstream stream;
     stream << 49170;
-    ASSERT_EQ(stream.str(), "49.170") << "the locale in force does not group digits";
+    ASSERT_EQ(stream.str(), "49.170") << "the global locale does not group digits";
     EXPECT_EQ(std::string(*full<Capability>()), text);
 }
 

@@ -78,12 +78,12 @@ TEST(CryptoClone, IsVirtual) {
 
 // ---- Equality ----
 
-TEST(CryptoEquality, HoldsForTheSameMembers) {
+TEST(CryptoEquality, IsTrueForEqualMembers) {
     expect_equal(crypto_of({K1, K2}), crypto_of({K1, K2}));
     expect_equal(QOVA_Crypto(), QOVA_Crypto());
 }
 
-TEST(CryptoEquality, WithoutKeysHoldsForAnyKeys) {
+TEST(CryptoEquality, EmptyListOfKeysEqualsAnyList) {
     expect_equal(crypto_of({}), crypto_of({K1, K2}));
 }
 
@@ -176,7 +176,7 @@ TEST(CryptoText, PrintsTheMkiAsNumbersWithoutSeparator) {
               ", key=(lifetime=0 / mki=0910486599128255 / mkiSize=10)\n");
 }
 
-TEST(CryptoText, TakesTheCompanionsNameOfAnySuite) {
+TEST(CryptoText, UsesTheCompanionsNameOfTheSuite) {
     for (const int number : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, -1, INT_MIN, INT_MAX}) {
         QOVA_Crypto crypto;
         crypto.algo = static_cast<g_crypto_suite>(number);

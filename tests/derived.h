@@ -11,14 +11,14 @@
 #include "qova/attributes.h"
 #include "socket/address.h"
 
-// A copy of it has its class.
+// Overrides clone(), so a copy has the same class.
 template <class Base>
 class Derived : public Base {
 public:
     Derived* clone() const override { return new Derived(*this); }
 };
 
-// Overrides nothing, so a copy of it has the class of its base.
+// Overrides nothing, so a copy has the class of its base.
 template <class Base>
 class WithoutClone : public Base {};
 
@@ -50,9 +50,9 @@ public:
     std::string text;
 };
 
-// ---- Classes that write into a journal what the library asks of them ----
+// ---- Classes that log in a journal how the library calls them ----
 
-// What the classes below were asked, one entry a line. Writing into it allocates nothing.
+// The calls to the classes below, one entry per line. Writing an entry does not allocate.
 class Journal {
 public:
     Journal() { entries.reserve(4096); }
@@ -72,7 +72,7 @@ public:
         made_before = allocations::made();
     }
 
-    // From now on, entries have the number of allocations since the one before.
+    // From now on, an entry also has the number of allocations since the entry before.
     void count_allocations() {
         counting = true;
         made_before = allocations::made();

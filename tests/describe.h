@@ -1,5 +1,5 @@
-// Every member of an object as text, including what no log text shows. Two objects with the same
-// description have the same members; with PLACES, they are also the same objects.
+// Writes every member of an object as text, including members that no log text shows. Two objects
+// with the same description have equal members; with PLACES, they are also the same object.
 
 #ifndef QOVA_TESTS_DESCRIBE_H
 #define QOVA_TESTS_DESCRIBE_H
@@ -142,7 +142,7 @@ private:
         long long value;
     };
 
-    // Begins with the dynamic class.
+    // Starts with the name of the dynamic class.
     template <class Object>
     void open(const Object& object) {
         const std::unique_ptr<char, void (*)(void*)> name(

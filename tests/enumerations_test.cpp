@@ -103,7 +103,7 @@ TEST_P(EnumerationNames, NameEveryEnumerator) {
     }
 }
 
-// Codecs from 96 to 127 are dynamic payload types; a test below has them.
+// Codecs from 96 to 127 are dynamic payload types: see the test below.
 TEST_P(EnumerationNames, HaveAFallback) {
     const auto expect_fallback = [](int value) {
         EXPECT_EQ(GetParam().print(value), GetParam().fallback) << value;
@@ -113,7 +113,7 @@ TEST_P(EnumerationNames, HaveAFallback) {
             expect_fallback(value);
         }
     }
-    // Their low bits are those of a value that has a name.
+    // The low bits of these values equal a value that has a name.
     for (const int value : {0x101, 0x160, 0x10001, 0x10060, INT_MIN + 1, INT_MIN + 96}) {
         expect_fallback(value);
     }

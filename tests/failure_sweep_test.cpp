@@ -25,10 +25,10 @@ using allocations::Failure;
 
 // ---- The sweep ----
 
-// Its functions hold the objects that they need.
+// The functions keep the objects that they use alive.
 struct Operation {
     std::function<void()> run;
-    std::function<std::string()> source = [] { return std::string(); };  // stays the same
+    std::function<std::string()> source = [] { return std::string(); };  // never changes
     std::function<bool()> is_complete = [] { return true; };             // after a success
 };
 
@@ -57,13 +57,13 @@ std::string run_failing(const Operation& operation, bool again, bool& reached, s
 }
 
 struct Findings {
-    std::vector<std::size_t> blocks;  // the sizes of those that failed, in their order
+    std::vector<std::size_t> blocks;  // the sizes of the failed allocations, in order
     std::vector<std::string> complaints;
 };
 
-// Fails the first allocation, the second and so on until the operation does not get that far: only
-// that one, or all from there on. Each time the objects are made anew, and destroyed: at once, or
-// after the operation was run again.
+// Makes the first allocation fail, then the second and so on, until the operation makes fewer
+// allocations. Either only this allocation fails, or all later ones fail, too. Each run has new
+// objects, and destroys them at once or after it repeats the operation successfully.
 template <class Make>
 Findings sweep(Make make) {
     Findings findings;
@@ -147,7 +147,7 @@ auto assigning(const std::shared_ptr<Object>& old) {
     };
 }
 
-// Assigns first, which is what repairs a capability that is moved in part.
+// Assigns before each move, because an assignment repairs a capability after a partial move.
 template <class Move>
 auto moving(Move move) {
     return [=] {
@@ -228,9 +228,9 @@ TEST(FailureSweep, Companion) {
                  making([] { return Sdp::CryptoParser::enumToAlgo(CS_AES_CM_128_HMAC_SHA1_80); }));
 }
 
-// ---- What capability.h says of the state after a failure ----
+// ---- The state after a failure, as capability.h describes it ----
 
-TEST(FailedAssignment, LeavesPartOfTheMedia) {
+TEST(FailedAssignment, LeavesSomeOfTheMedia) {
     const auto source = fullest<QOVA_Capability>();
     for (std::size_t nth = 1;; ++nth) {
         QOVA_Capability target;
@@ -265,9 +265,9 @@ TEST(FailedMove, LeavesAMediaWithoutAddress) {
     EXPECT_EQ(capability->filteredMedia.back()->sndPort, 4000) << "moved before its address";
 }
 
-// ---- The order of blocks, which tells what is made before what ----
+// ---- The order of allocations, recognised by their sizes ----
 
-TEST(OrderOfBlocks, OfAMediaAndOfItsCopyIsAddressAmrwbOpus) {
+TEST(AllocationOrder, IsAddressAmrwbOpusForAMediaAndForItsCopy) {
     const std::vector<std::size_t> blocks = {sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
                                              sizeof(Sdp::Sdp_Opus_Param)};
     EXPECT_EQ(sweep(making([] { const QOVA_Media made; })).blocks, blocks);

@@ -1,5 +1,5 @@
 // A global locale that groups digits and names truth values: "1.234.567", "wahr". No log text may
-// follow it.
+// depend on it.
 
 #ifndef QOVA_TESTS_GROUPING_LOCALE_H
 #define QOVA_TESTS_GROUPING_LOCALE_H
@@ -7,7 +7,7 @@
 #include <locale>
 #include <string>
 
-// Sets the global locale while it lives.
+// Sets the global locale for its own lifetime.
 class GroupingLocale {
 public:
     GroupingLocale() : before(std::locale::global(std::locale(std::locale(), new Grouping))) {}

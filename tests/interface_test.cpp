@@ -1,6 +1,6 @@
-// The binary interface. A compiled program breaks when a fact here changes; each has its line. Of
-// two numbers, the first is for 32-bit PowerPC and the second for x86-64. The symbols are listed in
-// tests/symbols.txt.
+// The binary interface: one line for each fact. A change to any of them breaks compiled programs.
+// Of two numbers, the first is for 32-bit PowerPC and the second for x86-64. tests/symbols.txt
+// lists the symbols.
 
 #include <gtest/gtest.h>
 
@@ -81,8 +81,8 @@ std::ptrdiff_t slot(Function function) {
     return parts[0] % 2 == 1 ? parts[0] / static_cast<std::ptrdiff_t>(sizeof(void*)) : -1;
 }
 
-// The number of slots: the first function that a derived class adds gets the next one. The
-// destructor, which has no address, has the two slots that remain.
+// The number of slots: the first function that a derived class adds gets the next slot. The
+// destructor, whose address cannot be taken, has the remaining two slots.
 template <class Class>
 std::ptrdiff_t slots() {
     struct Derived : Class {
@@ -91,7 +91,7 @@ std::ptrdiff_t slots() {
     return slot(&Derived::added);
 }
 
-// The number of bytes that the constructor does not write: no initialised member is there.
+// The number of bytes that the constructor does not write, and which are therefore not members.
 template <class Class>
 std::size_t padding() {
     alignas(Class) unsigned char memory[2][sizeof(Class)];
@@ -370,7 +370,7 @@ FUNCTION(Sdp::Sdp_Opus_Param, operator const std::string, const std::string() co
 
 STATIC(Sdp::CryptoParser::enumToAlgo, std::string(const g_crypto_suite&));
 
-// Classes without move operations, which would not throw
+// Classes without move operations: these would not throw
 
 static_assert(!std::is_nothrow_move_constructible_v<QOVA_Crypto>);
 static_assert(!std::is_nothrow_move_constructible_v<QOVA_Media>);

@@ -10,7 +10,7 @@ class LeakCheck : public testing::EmptyTestEventListener {
 
     void OnTestEnd(const testing::TestInfo& info) override {
         if (info.result()->Passed()) {
-            EXPECT_EQ(allocations::live(), before) << "blocks alive after the test, and before it";
+            EXPECT_EQ(allocations::live(), before) << "live blocks after the test, and before";
         }
     }
 

@@ -21,7 +21,7 @@ namespace {
 using Media = QOVA_Media;
 using Owned = std::unique_ptr<Media>;
 
-TEST(MediaDefaults, AreAnAcceptedLineOfNoKindAtTheAnyAddress) {
+TEST(MediaDefaults, AreAcceptedWithoutKindAndWithTheAnyAddress) {
     EXPECT_EQ(describe(*Owned(new Media)),
               "QOVA_Media mediaStatus=1 mediaType=0 bsnd=1 brcv=1 sndPort=0 rcvPort=0 sndPort2=0"
               " rcvPort2=0 cryptoCount=0\n"
@@ -66,7 +66,7 @@ constexpr Change<Media> fields_left_out[] = {
 
 // ---- Copies ----
 
-// The library's own media hold no null pointers, but freeing them accepts some.
+// The library never makes media with null pointers, but it frees such media.
 void put_nulls(Media& media) {
     drop_parameters(media);
     qova::replace(media.address, std::unique_ptr<INetAddress>());
@@ -110,8 +110,8 @@ TEST_P(MediaCopy, HasTheDefaults) {
     EXPECT_EQ(describe(*copy(Media())), describe(Media()));
 }
 
-// A member copied from its neighbour would show here.
-TEST_P(MediaCopy, HasAChangeOfAnyField) {
+// Detects a member that is copied from its neighbour.
+TEST_P(MediaCopy, HasEachChangedField) {
     for (const Change<Media>& change : compared_fields) {
         const Owned changed = full<Media>();
         change.apply(*changed);
@@ -137,7 +137,7 @@ TEST_P(MediaCopy, IsIndependentOfItsSource) {
     EXPECT_EQ(describe(*result), full_description);
 }
 
-TEST_P(MediaCopy, LeavesItsSourceWhenItChanges) {
+TEST_P(MediaCopy, ChangesWithoutChangingItsSource) {
     Owned result = copy(*source);
     scramble(*result);
     result.reset();
@@ -211,7 +211,7 @@ protected:
     Media b;
 };
 
-TEST(MediaEqualityByIdentity, HoldsWithItselfButNotWithACopy) {
+TEST(MediaEqualityByIdentity, IsTrueForItselfButNotForACopy) {
     const Owned media = full<Media>();
     expect_equal(*media, *media);
     const Media copy(*media);
@@ -238,7 +238,7 @@ TEST_F(MediaEquality, ComparesParameterObjectsByIdentity) {
     a.opusParam = b.opusParam = nullptr;
 }
 
-TEST_F(MediaEquality, ComparesAddressesByMeaning) {
+TEST_F(MediaEquality, ComparesAddressesNotSpellings) {
     set_address(a, "2001:db8::1");
     set_address(b, "2001:0DB8:0:0:0:0:0:1");
     expect_equal(a, b);
@@ -274,14 +274,14 @@ TEST_F(MediaEquality, StopsAtTheShorterListOfCryptoLines) {
     expect_unequal(a, b);
 }
 
-TEST_F(MediaEquality, ComparesCryptoLinesBehindAnEmptyListOfAttributes) {
+TEST_F(MediaEquality, ComparesCryptoLinesAfterAnEmptyListOfAttributes) {
     append_audio(a, CODEC_G711_ALAW);
     append_crypto(a, 1);
     append_crypto(b, 2);
     expect_unequal(a, b);
 }
 
-TEST_F(MediaEquality, FailsWithAnAttributeThatEqualsNothing) {
+TEST_F(MediaEquality, IsFalseWithAnAttributeThatEqualsNothing) {
     qova::append<OwnAttribute>(a.attributes);
     EXPECT_FALSE(a == a);
 }
@@ -385,7 +385,7 @@ TEST_F(MediaSearch, FindsASiblingBaseUnlessItIsPrivate) {
 }
 
 // The type is the field attributeType, not the class.
-TEST_F(MediaSearch, ByTypeAndStatusNeedsBoth) {
+TEST_F(MediaSearch, ByTypeAndStatusRequiresBoth) {
     auto& rejected = append_fax(media, FT_T38_UDPTL);
     rejected.attributeType = Media::AT_AUDIO;
     rejected.status = Media::MS_REJECTED;
@@ -401,7 +401,7 @@ TEST_F(MediaSearch, ByTypeAndStatusNeedsBoth) {
     EXPECT_EQ(media.find(Media::AT_VIDEO, Media::MS_ACCEPTED), nullptr);
 }
 
-TEST_F(MediaSearch, ByTypeTakesUnknownForAnyStatus) {
+TEST_F(MediaSearch, ByTypeAndUnknownMatchesAnyStatus) {
     auto& video = qova::append<QOVA_VideoAttribute>(media.attributes);
     video.attributeType = Media::AT_VIDEO;
     video.status = Media::MS_REJECTED;
@@ -435,7 +435,7 @@ TEST(MuteMedia, IgnoresOtherPortsAndDirections) {
 
 const std::string header = "\t-> media(Nil)/Accepted @0.0.0.0/snd=0~0/rcv=0~0/bsnd=1/brcv=1\n";
 
-TEST(MediaText, OfAFullMedia) {
+TEST(MediaText, FullMedia) {
     EXPECT_EQ(std::string(*full<Media>()),
               "\t-> media(Audio)/Modified @2001:db8:1111:2222:3333:4444:5555:6666"
               "/snd=4000~4001/rcv=5000~5001/bsnd=0/brcv=1"
@@ -485,7 +485,7 @@ TEST(MediaText, PrintsPortsUnsignedAndDirectionsAsDigits) {
               "\t   Attributes :\t   Crypto attributes (0) :\n");
 }
 
-TEST(MediaText, InsertsTheAddressInFullLength) {
+TEST(MediaText, HasTheWholeTextOfTheAddress) {
     for (const std::string& text :
          {std::string("a\0b", 3), std::string(), std::string(5000, 'x')}) {
         Media media;
@@ -496,7 +496,7 @@ TEST(MediaText, InsertsTheAddressInFullLength) {
     }
 }
 
-TEST(MediaText, TakesTheOwnTextOfADerivedAttributeInFullLength) {
+TEST(MediaText, HasTheWholeTextOfADerivedAttribute) {
     Media media;
     qova::append<OwnText<QOVA_AudioAttribute>>(media.attributes);
     qova::append<OwnText<QOVA_VideoAttribute>>(media.attributes);
@@ -511,7 +511,7 @@ TEST(MediaText, TakesTheOwnTextOfADerivedAttributeInFullLength) {
 }
 
 // Unlike an attribute's, the conversion of a crypto line is not virtual.
-TEST(MediaText, TakesTheBaseTextOfADerivedCryptoLine) {
+TEST(MediaText, HasTheBaseTextOfADerivedCryptoLine) {
     Media media;
     qova::append<OwnText<QOVA_Crypto>>(media.cryptos);
     EXPECT_EQ(std::string(media), header +

@@ -1,5 +1,5 @@
-// What a media and a capability ask of the objects they own, and in which order. Callers can
-// observe all of it, because those classes may be their own.
+// How a media and a capability call the objects that they own, and in which order. Callers can
+// observe all of these calls, because the objects can be of their own classes.
 
 #include <gtest/gtest.h>
 
@@ -63,7 +63,7 @@ protected:
     QOVA_Media source;
 };
 
-TEST_F(MediaOrder, OfTheCopyConstructor) {
+TEST_F(MediaOrder, CopyConstructor) {
     journal.count_allocations();
     const QOVA_Media copy(source);
     EXPECT_EQ(journal.text(),
@@ -78,7 +78,7 @@ TEST_F(MediaOrder, OfTheCopyConstructor) {
               "clone c2\n");
 }
 
-TEST_F(MediaOrder, OfTheDestructor) {
+TEST_F(MediaOrder, Destructor) {
     make_target();
     EXPECT_EQ(journal.text(),
               "free old address\n"
@@ -90,7 +90,7 @@ TEST_F(MediaOrder, OfTheDestructor) {
               "free old c2\n");
 }
 
-TEST_F(MediaOrder, OfAnAssignment) {
+TEST_F(MediaOrder, Assignment) {
     const std::unique_ptr<QOVA_Media> target = make_target();
     journal.count_allocations();
     *target = source;
@@ -223,7 +223,7 @@ protected:
     LoggedAttribute& right_attribute = give_attribute(right, "right a1");
 };
 
-// A crypto line of a derived class is unequal to every other, but it is compared last.
+// Crypto lines of a derived class are never equal, but they are compared last.
 TEST_F(MediaEqualityOrder, IsOtherAddressThisAddressAttributesCryptoLines) {
     EXPECT_TRUE(left == right);
     give_crypto(left, "left c1");
@@ -264,7 +264,7 @@ TEST_F(MediaEqualityOrder, AsksTheAddressEvenOfTheSameMedia) {
     EXPECT_EQ(journal.text(), "text of left\ndiffers left from left\n");
 }
 
-// An address that does not override operator!= is asked through IsEqual.
+// If an address does not override operator!=, IsEqual decides.
 TEST_F(MediaEqualityOrder, NegatesIsEqual) {
     struct EqualToAnything : IPAddress {
         bool IsEqual(const std::string& /*text*/) const override { return true; }
@@ -273,11 +273,11 @@ TEST_F(MediaEqualityOrder, NegatesIsEqual) {
     EXPECT_TRUE(left == right);
 }
 
-// Nobody is asked before status and kind; the addresses are asked before all other fields.
+// Status and kind are compared before any call; the addresses are compared before all other fields.
 class FieldInTheComparison : public MediaEqualityOrder,
                              public testing::WithParamInterface<TextRow<QOVA_Media>> {};
 
-TEST_P(FieldInTheComparison, DecidesBeforeTheAttributesAreAsked) {
+TEST_P(FieldInTheComparison, DecidesBeforeTheAttributes) {
     GetParam().value(right);
     EXPECT_FALSE(left == right);
     EXPECT_EQ(journal.text(), GetParam().text);
@@ -310,13 +310,13 @@ protected:
     QOVA_Media media;
 };
 
-// Also without a receive port, which alone makes a media mute.
-TEST_F(MediaQuestions, MuteTestAsksTheAddressOnce) {
+// Even without a receive port, which alone makes a media mute.
+TEST_F(MediaQuestions, MuteTestCallsTheAddressOnce) {
     EXPECT_TRUE(media.isMute());
     EXPECT_EQ(journal.text(), "is any address\n");
 }
 
-TEST_F(MediaQuestions, MuteTestTakesAnyNonzeroAnswer) {
+TEST_F(MediaQuestions, MuteTestAcceptsAnyNonzeroResult) {
     media.rcvPort = 5000;
     EXPECT_FALSE(media.isMute());
     for (const int answer : {1, -1, 65536}) {
@@ -325,7 +325,7 @@ TEST_F(MediaQuestions, MuteTestTakesAnyNonzeroAnswer) {
     }
 }
 
-TEST_F(MediaQuestions, TextAsksAddressAndAttributesOnce) {
+TEST_F(MediaQuestions, TextCallsAddressAndAttributesOnce) {
     give_attribute(media, "a1");
     give_attribute(media, "a2");
     EXPECT_EQ(std::string(media),
@@ -424,7 +424,7 @@ TEST_F(CapabilityOrder, DestructorFreesTheMedia) {
               "free o2 a1\n");
 }
 
-TEST_F(CapabilityOrder, TextAsksTheMedia) {
+TEST_F(CapabilityOrder, TextIsMediaByMedia) {
     const std::string text = capability;
     EXPECT_EQ(journal.text(),
               "text of m1 address\n"
@@ -433,7 +433,7 @@ TEST_F(CapabilityOrder, TextAsksTheMedia) {
               "text of m2 a1\n");
 }
 
-TEST_F(CapabilityOrder, MuteTestAsksAudioMediaOnly) {
+TEST_F(CapabilityOrder, MuteTestCallsAudioMediaOnly) {
     capability.filteredMedia.front()->mediaType = QOVA_Media::MT_VIDEO;
     EXPECT_TRUE(capability.isMute());
     EXPECT_EQ(journal.text(), "is any m2 address\n");
@@ -475,7 +475,7 @@ TEST_F(CapabilityEqualityOrder, StopsAtTheFirstUnequalMedia) {
               "differs m1 address from o1 address\n");
 }
 
-TEST_F(CapabilityEqualityOrder, AsksNoMediaWhenFlagsTextsOrNumbersDecide) {
+TEST_F(CapabilityEqualityOrder, CallsNoMediaWhenFlagsTextsOrCountsDecide) {
     for (bool QOVA_Capability::*const flag :
          {&QOVA_Capability::offer, &QOVA_Capability::hold, &QOVA_Capability::silenceSuppSdp}) {
         other.*flag = true;

@@ -1,4 +1,4 @@
-// qova/ownership.h. That nothing leaks is checked after every test.
+// qova/ownership.h. After every test, main.cpp checks that nothing leaks.
 
 #include "qova/ownership.h"
 
@@ -11,7 +11,7 @@
 #include "allocations.h"
 #include "building_blocks.h"
 
-TEST(Ownership, AppendsAnObjectThatTheListThenOwns) {
+TEST(Ownership, AppendsAGivenObject) {
     QOVA_Media media;
     auto audio = std::make_unique<QOVA_AudioAttribute>();
     const QOVA_AudioAttribute* const object = audio.get();
@@ -20,7 +20,7 @@ TEST(Ownership, AppendsAnObjectThatTheListThenOwns) {
     EXPECT_EQ(media.attributes.back(), object);
 }
 
-TEST(Ownership, AppendsANewObjectBehindTheOthers) {
+TEST(Ownership, AppendsANewObject) {
     QOVA_Capability capability;
     qova::append<QOVA_Media>(capability.filteredMedia);
     const QOVA_Media& second = qova::append<QOVA_Media>(capability.filteredMedia);
@@ -28,7 +28,7 @@ TEST(Ownership, AppendsANewObjectBehindTheOthers) {
     EXPECT_EQ(capability.filteredMedia.back(), &second);
 }
 
-TEST(Ownership, AppendLeavesTheListWhenThereIsNoMemoryForTheNode) {
+TEST(Ownership, AppendKeepsTheListIfTheNodeCannotBeAllocated) {
     QOVA_Media media;
     qova::append<QOVA_Crypto>(media.cryptos);
     auto crypto = std::make_unique<QOVA_Crypto>();
@@ -54,7 +54,7 @@ TEST(Ownership, ReplacesAnOwnedObject) {
     EXPECT_EQ(media.address->ToString(), "10.0.0.1");
 }
 
-TEST(Ownership, ReplacesAnObjectByNone) {
+TEST(Ownership, ReplacesAnObjectByNull) {
     QOVA_Media media;
     qova::replace(media.opusParam, std::unique_ptr<Sdp::Sdp_Opus_Param>());
     EXPECT_EQ(media.opusParam, nullptr);

@@ -1,4 +1,4 @@
-// Rows of the tables that parameterised tests walk. Each row names its test.
+// Rows of the tables for parameterised tests. Each row has the name of its test.
 
 #ifndef QOVA_TESTS_ROWS_H
 #define QOVA_TESTS_ROWS_H
@@ -39,8 +39,8 @@ void PrintTo(const Change<Class>& change, std::ostream* out) {
     *out << change.name;
 }
 
-// Change::apply for a flag, a number or an enumeration: a single bit, far from the others, so that
-// a comparison of fewer bits does not see it.
+// Change::apply for a flag, a number or an enumeration. Changes only the highest bit, which a
+// comparison of fewer bits does not see.
 template <auto member, class Class>
 void flip_highest_bit(Class& object) {
     auto& field = object.*member;

@@ -1,5 +1,5 @@
-// Objects that a second copy of the library made are of the same classes as ours, though the
-// addresses of their type information say otherwise.
+// Objects made by a second copy of the library have the same classes as ours, although the
+// addresses of their type information differ.
 
 #include "second_copy.h"
 
@@ -20,7 +20,7 @@ struct SecondCopy : testing::Test {
     const std::unique_ptr<QOVA_Media> theirs = full_media_of_second_copy();
 };
 
-TEST_F(SecondCopy, HasTypeInformationOfItsOwn) {
+TEST_F(SecondCopy, HasItsOwnTypeInformation) {
     const QOVA_MediaAttribute& audio = *theirs->attributes.front();
     EXPECT_NE(&typeid(audio), &typeid(QOVA_AudioAttribute));
     EXPECT_EQ(typeid(audio), typeid(QOVA_AudioAttribute));
@@ -38,7 +38,7 @@ TEST_F(SecondCopy, HasEqualCryptoLines) {
     expect_equal(*ours->cryptos.front(), *theirs->cryptos.front());
 }
 
-TEST_F(SecondCopy, HasAttributesThatAreFound) {
+TEST_F(SecondCopy, SearchesFindItsAttributes) {
     EXPECT_EQ(theirs->find(CODEC_G711_ULAW), theirs->attributes.front());
     EXPECT_EQ(theirs->find(FT_T38_UDPTL), *std::next(theirs->attributes.begin()));
 }

@@ -33,7 +33,7 @@ std::string IPAddress::ToString() const {
     if (isV6) {
         return inet_ntop(AF_INET6, bytes.data(), text, sizeof text);
     }
-    // Equality of media asks for each address's text; inet_ntop would make it much slower.
+    // Comparing media makes the text of each address; inet_ntop would make that much slower.
     char* end = text;
     for (std::size_t i = 0; i < 4; ++i) {
         end = std::to_chars(end, std::end(text), bytes[i]).ptr;

@@ -80,7 +80,7 @@ public:
     bool IsLoopback() const override;
     bool IsMulticast() const override;
 
-    /// An IPv4-mapped IPv6 address is another address than the IPv4 address in it.
+    /// An IPv4-mapped IPv6 address does not equal the IPv4 address in it.
     /// @param text any text
     /// @return true if Parse() reads this address from the text
     bool IsEqual(const std::string& text) const override;

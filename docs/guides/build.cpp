@@ -22,7 +22,7 @@ void add_crypto(QOVA_Media& media) {
     key.lifetime = 1048576;   // 2^20 packets
     key.mkiSize = 1;
     key.mki[0] = 1;
-    crypto.keys.push_back(key);  // with master key and salt in key.key
+    crypto.keys.push_back(key);  // a real key also has master key and salt in key.key
     media.cryptoCount = 1;       // the owner maintains it
 }
 // [crypto]

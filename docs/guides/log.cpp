@@ -1,4 +1,4 @@
-// The code of log.md: a log text with all kinds of lines that show fields.
+// The code of log.md: a log text with every kind of line that shows fields.
 
 #include <iostream>
 #include <memory>

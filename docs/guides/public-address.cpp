@@ -17,7 +17,7 @@ void add_media(QOVA_Capability& capability, QOVA_Media::e_MediaType type, unsign
 }
 
 // [fits]
-// Returns true if a port stays within 1 to 65535 when its base moves.
+// Returns true if a port stays in the range 1 to 65535 when its base moves.
 bool fits(unsigned short port, unsigned short from, unsigned short to) {
     const int moved = port - from + to;
     return moved >= 1 && moved <= 65535;

@@ -1,5 +1,5 @@
 """Draws a call as the answering side sees it: the SIP messages as a ladder, and beside each message
-what the tools do with it and what they use of the library."""
+what the tools do with it and what they use from the library."""
 
 from xml.sax.saxutils import escape
 
@@ -9,8 +9,8 @@ ROW, LINE = 27, 15
 NEXT = 16  # the gap between transactions
 IN, BACK = "in", "back"
 
-# A message: direction, name, the point of its body, and steps. A step: the source file, what it does,
-# and what it uses of the library.
+# A message: direction, name, a summary of its body, and steps. A step: the source file, what it
+# does, and what it uses from the library.
 CALL = [
     (IN, "INVITE", "offer: audio, video", [
         ("reader", "reads the offer", ["QOVA_Capability, offer = true", "a QOVA_Media for each line"]),
@@ -95,11 +95,11 @@ def end(x, y, name):
 
 
 def draw():
-    back, front = [], []  # what lies below the arrows, and what above
+    back, front = [], []  # drawn below the arrows, drawn above them
     y = 34
     front += end(CALLER, y, "caller") + end(ANSWERER, y, "our side")
     front += [text(MODULE + 12, y, "module", "column"), text(DOES, y, "what it does", "column"),
-              text(USES, y, "what it uses of libqova", "column")]
+              text(USES, y, "what it uses from libqova", "column")]
     top = y + 8
     y += 38 - NEXT
     middle = (CALLER + ANSWERER) / 2
@@ -131,7 +131,7 @@ def draw():
     return "\n".join([
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{RIGHT + 18}" height="{bottom + 14}" '
         f'viewBox="0 0 {RIGHT + 18} {bottom + 14}">',
-        "<title>A call, message by message, and what the side that answers does</title>",
+        "<title>A call, message by message, and what the answering side does</title>",
         f"<style>{STYLE}\n</style>",
         '<rect class="paper" width="100%" height="100%"/>',
         *lives, *back, *front, "</svg>", ""])

@@ -1,4 +1,4 @@
-"""Draws a log text with a number at each field, and below it what each number stands for."""
+"""Draws a log text with a number at each field, and below it a legend."""
 
 from xml.sax.saxutils import escape
 
@@ -17,7 +17,7 @@ COLOURS = {
     "QOVA_FaxAttribute": "#5b3a8c",
 }
 
-# The fields of each class: line of the text (from 0), the characters, the member, what it says.
+# The fields of each class: line of the text (from 0), characters, member, meaning.
 FIELDS = {
     "QOVA_Capability": [
         (0, "offer", "offer", "offer or answer"),
@@ -37,8 +37,8 @@ FIELDS = {
         (2, "32001", "rcvPort2", "second receive port"),
         (2, "bsnd=1", "bsnd", "1 or 0"),
         (2, "brcv=1", "brcv", "1 or 0"),
-        (2, "AMR-WB(octet-align=1)", "amrwbParam", "what was given"),
-        (2, "opus(usedtx=1)", "opusParam", "what was given"),
+        (2, "AMR-WB(octet-align=1)", "amrwbParam", "the given parameters"),
+        (2, "opus(usedtx=1)", "opusParam", "the given parameters"),
         (3, "Attributes :", "attributes", "the first on this line"),
         (4, "1", "cryptoCount", "the owner's number"),
     ],
@@ -56,7 +56,7 @@ FIELDS = {
         (5, "AES_CM_128_HMAC_SHA1_80", "algo", "the suite's SDP name"),
         (5, "key=", "key", "never shown"),
         (5, "lifetime=1048576", "lifetime", "packets"),
-        (5, "mki=50000000", "mki", "all 8 bytes, unseparated"),
+        (5, "mki=50000000", "mki", "all 8 bytes, no separator"),
         (5, "mkiSize=1", "mkiSize", "bytes"),
     ],
     "QOVA_FaxAttribute": [
@@ -68,7 +68,7 @@ FIELDS = {
         (8, "fillBit=0", "fillBit", "1 or 0"),
         (8, "transMMR=0", "transMMR", "1 or 0"),
         (8, "transJBIG=0", "transJBIG", "1 or 0"),
-        (9, "mxBuffer=2000", "mxBuffer", "bytes; no blank before /"),
+        (9, "mxBuffer=2000", "mxBuffer", "bytes; no space before /"),
         (9, "mxDgram=512", "mxDgram", "bytes"),
         (9, "errCorr=1", "errCorr", "a plain number"),
     ],
@@ -90,7 +90,7 @@ def badge(x, y, number, colour):
 
 
 def place(lines):
-    """The fields in the order of the text: line, first and last column, number, class, rest."""
+    """Returns the fields in text order: line, first and last column, number, class, rest."""
     found = []
     for owner, fields in FIELDS.items():
         searched = {}
@@ -123,7 +123,7 @@ def draw(text):
                            f'stroke="{colour}"/>')
                 out.append(badge(x + width / 2, y - 21, number, colour))
         column = 0
-        for piece in line.split(" "):  # word by word: no font may move a field from its mark
+        for piece in line.split(" "):  # word by word, so that no font moves a field off its mark
             if piece:
                 out.append(text_at(LEFT + column * COLUMN, y, piece, len(piece) * COLUMN,
                                    ' class="log"'))

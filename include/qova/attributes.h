@@ -172,8 +172,8 @@ public:
     /// @copydoc QOVA_MediaAttribute::clone
     QOVA_MediaAttribute* clone() const override;
 
-    /// Returns the log text, which is always the same: it says "NIL" whatever the #type, so that
-    /// logs of different releases stay comparable.
+    /// Returns the log text, which is always the same: it shows "NIL" whatever the #type is, so
+    /// that logs of different releases stay comparable.
     /// @return the text
     operator const std::string() const override;
 

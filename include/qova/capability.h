@@ -71,7 +71,7 @@ public:
     /// class of the source.
     ///
     /// **Self-assignment empties #filteredMedia** and keeps everything else: the list that is freed
-    /// first is the list to copy. This stays, because existing programs can observe it.
+    /// first is also the list to copy. This is kept because existing programs can observe it.
     ///
     /// If memory runs out, this capability holds only some of the media. If #passThrough could not
     /// be copied, it holds no media and keeps its old #passThrough, #spare2 and #spare3. All other
@@ -116,7 +116,7 @@ public:
     QOVA_AudioAttribute* find_mf(QOVA_Codec codec) const;
 
     /// Returns true if at least one audio media is mute (QOVA_Media::isMute). Ignores other kinds.
-    /// @return false if there is no audio media
+    /// @return true if an audio media is mute; false if there is no audio media
     bool isMute() const;
 
     /// Sets QOVA_Media::rcvPort and QOVA_Media::sndPort of the first media of the given kind to 0.

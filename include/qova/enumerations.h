@@ -3,8 +3,8 @@
 /// and the printable names of codecs and directions.
 ///
 /// The numbers are ABI, because public members store them. Every enumeration has the fixed
-/// underlying type `int`, so it can store any `int`. The names are so short that the name functions
-/// do not allocate.
+/// underlying type `int`, so it can store any `int`. The names are short, so the name functions do
+/// not allocate.
 
 #ifndef QOVA_ENUMERATIONS_H
 #define QOVA_ENUMERATIONS_H
@@ -22,8 +22,8 @@ enum QOVA_Codec : int {
     CODEC_G723 = 3,       ///< G.723.1, RTP payload type 4.
     CODEC_G729 = 4,       ///< G.729, RTP payload type 18.
     CODEC_G729A = 5,      ///< G.729 Annex A.
-    CODEC_G711_NIL = 6,   ///< G.711 without a law.
-    CODEC_G729_NIL = 7,   ///< G.729 without an annex.
+    CODEC_G711_NIL = 6,   ///< G.711, A-law or mu-law not specified.
+    CODEC_G729_NIL = 7,   ///< G.729, annex not specified.
     CODEC_G722 = 8,       ///< G.722, RTP payload type 9.
     CODEC_G722_2 = 9,     ///< G.722.2, that is AMR-WB (RFC 4867).
     CODEC_OPUS = 10       ///< Opus (RFC 7587).

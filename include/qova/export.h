@@ -9,14 +9,14 @@
 
 #include "qova/version.h"
 
-// The layouts of std::string and std::list differ between libstdc++'s two ABIs, and both are
-// members of public classes. A mixture would partly link and corrupt memory.
+// The layouts of std::string and std::list differ between libstdc++'s two ABIs, and both classes
+// are members of public classes. Some mixtures would link and corrupt memory.
 #if defined(_GLIBCXX_USE_CXX11_ABI) && !_GLIBCXX_USE_CXX11_ABI
 #error \
     "libqova uses the C++11 ABI of std::string and std::list: compile with -D_GLIBCXX_USE_CXX11_ABI=1"
 #endif
 
-// libstdc++'s debug mode changes both layouts, too. A build of libqova with debug mode defines
+// libstdc++'s debug mode changes both layouts, too. To build libqova in debug mode, define
 // QOVA_GLIBCXX_DEBUG everywhere.
 #if defined(_GLIBCXX_DEBUG) && !defined(QOVA_GLIBCXX_DEBUG)
 #error \

@@ -142,7 +142,8 @@ public:
 
     /// Compares two media. The comparison is deliberately partial:
     /// - status, kind, directions, all four ports and #cryptoCount must be equal;
-    /// - this media's address is asked whether it differs from the text of the other address;
+    /// - this media's address must not differ (`INetAddress::operator!=`) from the text of the
+    ///   other address;
     /// - **the parameter objects are compared by identity**, as pointers, because their classes
     ///   have no comparison. Every copy has its own objects, so a media equals itself but not its
     ///   copy, unless the owner of both sets the pointers to the same objects or to null;
@@ -179,7 +180,7 @@ public:
     /// @return the attribute, or null
     QOVA_MediaAttribute* find(e_AttributeType type, e_MediaStatus status) const;
 
-    /// Returns true if nothing can be received: the address is no usable destination
+    /// Returns true if nothing can be received: the address is not a usable destination
     /// (`INetAddress::IsAny`), or #rcvPort is 0. Ignores the directions and the other ports.
     /// @return true if the line is mute
     bool isMute() const;

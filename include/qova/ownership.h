@@ -50,7 +50,7 @@ typename std::list<Element*>::iterator erase(std::list<Element*>& list,
 ///     qova::replace(media.address, std::unique_ptr<INetAddress>(INetAddress::Clone(&address)));
 ///
 /// @param owned the pointer, such as QOVA_Media::address; may be null
-/// @param object the new object; null to leave none
+/// @param object the new object; null if there is none
 template <class Owned, class Object>
 void replace(Owned*& owned, std::unique_ptr<Object> object) {
     const std::unique_ptr<Owned> old(owned);

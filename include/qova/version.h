@@ -1,6 +1,6 @@
 /// @file
-/// The version of libqova. The build reads it here for the library, its SONAME, the packages and
-/// the reference.
+/// The version of libqova. The build reads it from this file for the library, its SONAME, the
+/// packages and the reference.
 
 #ifndef QOVA_VERSION_H
 #define QOVA_VERSION_H

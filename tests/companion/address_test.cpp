@@ -1,4 +1,4 @@
-// The companion's addresses: what they read, print and say of themselves, and who owns them.
+// The companion's addresses: reading, printing, comparing, kinds and ownership.
 
 #include "socket/address.h"
 
@@ -31,7 +31,7 @@ std::vector<std::string> words(const char* text) {
 
 // ---- Reading, printing and comparing ----
 
-// Spellings, and the one in which the address is printed.
+// Each spelling, and how the address is printed.
 constexpr std::pair<const char*, const char*> spellings[] = {
     {"192.0.2.1", "192.0.2.1"},
     {"0.0.0.0", "0.0.0.0"},
@@ -52,7 +52,7 @@ constexpr std::pair<const char*, const char*> spellings[] = {
     {"2001:db8::192.0.2.1", "2001:db8::c000:201"},
 };
 
-TEST(Address, KnowsEverySpelling) {
+TEST(Address, AcceptsEverySpelling) {
     for (const auto& [text, printed] : spellings) {
         EXPECT_EQ(ip(text).ToString(), printed);
         EXPECT_TRUE(ip(printed).IsEqual(text)) << text;
@@ -72,7 +72,7 @@ TEST(AddressParse, ReadsBothFamiliesInNetworkOrder) {
     EXPECT_EQ(bytes_of(address), (std::vector<int>{192, 0, 2, 255}));
 }
 
-TEST(AddressParse, RefusesOtherTexts) {
+TEST(AddressParse, RejectsOtherTexts) {
     std::vector<std::string> texts = words(
         "gateway 192.0.2.01 256.0.2.1 192.0.2 192.0.2.1.1 3221225985 0xc0.0.2.1 192..2.1 "
         "192.0.2.-1 192.0.2.1:5060 192.0.2.0/24 : ::: 1::2::3 1:2:3:4:5:6:7 1:2:3:4:5:6:7: "
@@ -109,7 +109,7 @@ TEST(AddressIsEqual, ComparesEveryByte) {
     }
 }
 
-TEST(AddressIsEqual, TellsTheFamiliesApart) {
+TEST(AddressIsEqual, DistinguishesTheFamilies) {
     EXPECT_FALSE(ip("192.0.2.1").IsEqual("::ffff:192.0.2.1"));
     EXPECT_FALSE(ip("::ffff:192.0.2.1").IsEqual("192.0.2.1"));
     EXPECT_FALSE(ip("192.0.2.1").IsEqual("c000:201::"));
@@ -136,7 +136,7 @@ constexpr std::pair<const char*, const char*> kinds[] = {
      "::ffff:127.0.0.1 ::ffff:224.0.0.1 ::ffff:10.0.0.1"},
 };
 
-TEST(AddressKind, FollowsItsRange) {
+TEST(AddressKind, DependsOnTheRange) {
     for (const auto& [kind, addresses] : kinds) {
         for (const std::string& text : words(addresses)) {
             const IPAddress address = ip(text);
@@ -166,7 +166,7 @@ void expect_copy(const INetAddress& copy, const INetAddress& source) {
     EXPECT_EQ(copy.ToString(), source.ToString());
 }
 
-TEST(AddressDifference, NegatesIsEqualOfTheConcreteClass) {
+TEST(AddressDifference, NegatesIsEqualOfTheDynamicClass) {
     const Gateway gateway;
     const INetAddress& address = gateway;
     EXPECT_FALSE(address != "gateway");
@@ -175,7 +175,7 @@ TEST(AddressDifference, NegatesIsEqualOfTheConcreteClass) {
     EXPECT_TRUE(ip("::1") != "::2");
 }
 
-TEST(AddressClone, CopiesTheConcreteClass) {
+TEST(AddressClone, KeepsTheDynamicClass) {
     const Gateway gateway;
     expect_copy(*std::unique_ptr<INetAddress>(INetAddress::Clone(&gateway)), gateway);
     const IPAddress address = ip("2001:db8::1");
@@ -203,7 +203,7 @@ TEST(UdpAddress, AssignmentReplacesItsAddress) {
     }
 }
 
-TEST(UdpAddress, ToleratesThatItsAddressIsTaken) {
+TEST(UdpAddress, DestructorAcceptsANullAddress) {
     UDPAddr address(ip("192.0.2.1"), 5060);
     const std::unique_ptr<INetAddress> taken(std::exchange(address.ipAddress, nullptr));
     EXPECT_EQ(taken->ToString(), "192.0.2.1");

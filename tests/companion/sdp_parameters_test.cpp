@@ -64,7 +64,7 @@ TEST(CryptoSuite, IsNilForOtherNames) {
 
 // ---- Parameters ----
 
-// The text if one parameter is given.
+// Returns the text of an object with one parameter.
 template <typename Parameters, typename Member, typename Value>
 std::string text_with(Member Parameters::*member, Value value) {
     Parameters parameters;
@@ -118,7 +118,7 @@ TEST(ParameterText, ListsAllParametersInAnyLocale) {
               "stereo=1; cbr=1; useinbandfec=1; usedtx=1; maxptime=60; sprop-stereo=1)");
 }
 
-TEST(AmrWbCopy, HasAListOfItsOwn) {
+TEST(AmrWbCopy, HasItsOwnList) {
     auto source = std::make_unique<AmrWb>();
     source->modeSet = {0, 2};
     AmrWb copy(*source);

@@ -1,5 +1,5 @@
-// Another companion, as socket/address.h and as netconf/sdp.h: its classes have other members, and
-// other names where libqova needs none.
+// Another companion, for socket/address.h and for netconf/sdp.h. Its classes have other members,
+// and other names wherever libqova does not need a certain name.
 
 #ifndef QOVA_OTHER_COMPANION_H
 #define QOVA_OTHER_COMPANION_H
@@ -26,7 +26,7 @@ public:
     static INetAddress* Clone(const INetAddress* address) { return address->MakeAnother(); }
 };
 
-// An address is logged whole, with the NUL in it.
+// The text of an address is logged in full, including the NUL.
 class IPAddress : public INetAddress {
 public:
     static bool Parse(const std::string& text, IPAddress& address) {
@@ -78,7 +78,7 @@ public:
     std::string unlogged = std::string(1, '\0') + "unlogged";
 };
 
-// The name of a suite is logged whole.
+// The name of a suite is logged in full.
 class CryptoParser {
 public:
     static std::string enumToAlgo(const g_crypto_suite& suite) {

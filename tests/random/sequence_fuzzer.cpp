@@ -1,4 +1,4 @@
-// libFuzzer's entry to the random sequences. A broken rule ends the program with its text.
+// libFuzzer's entry to the random sequences. A broken rule ends the program with an exception.
 
 #include <cstddef>
 #include <cstdint>

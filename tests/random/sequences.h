@@ -1,5 +1,6 @@
 // Random operations on three capabilities, some of them with failing allocations. The rules of the
-// public headers must hold throughout. The same bytes mean the same with every compiler.
+// public headers must hold throughout. The same input selects the same operations with every
+// compiler.
 
 #ifndef QOVA_TESTS_RANDOM_SEQUENCES_H
 #define QOVA_TESTS_RANDOM_SEQUENCES_H
@@ -35,7 +36,7 @@ bool until_the_shorter_ends(const List& left, const List& right, Equal equal) {
     });
 }
 
-// The right one is exactly of one of the classes, the left one of it or of a derived class.
+// Returns true if `right` is exactly of one class, and `left` of that or of a derived class.
 template <class... Classes>
 bool same_class(const QOVA_MediaAttribute* left, const QOVA_MediaAttribute* right) {
     return ((typeid(*right) == typeid(Classes) && dynamic_cast<const Classes*>(left)) || ...);
@@ -79,7 +80,7 @@ inline bool equal(const QOVA_Capability& left, const QOVA_Capability& right) {
 
 // ---- The sequences ----
 
-// How often each operation was run, and how often each outcome came about.
+// How often each operation ran, and how often each outcome occurred.
 using Counts = std::map<std::string, unsigned>;
 
 class Sequence {
@@ -114,12 +115,12 @@ public:
     }
 
 private:
-    // ---- Input; after the last byte all is zero ----
+    // ---- Input: zeros follow the last byte ----
 
     std::size_t below(std::size_t bound) { return (at == end ? 0U : *at++) % bound; }
     bool one_in(std::size_t count) { return below(count) == 1; }
 
-    // Few different values, so that searches find and comparisons agree.
+    // Few different values, so that searches and comparisons often succeed.
     template <class Number>
     Number any() {
         static constexpr long long numbers[] = {0, 1, 2, 3, 6666, 32000, 65535, -1};
@@ -166,7 +167,7 @@ private:
         expect(actual == expected, actual + "\n-- instead of --\n" + expected);
     }
 
-    // Runs an operation, now and then with failing allocations. Returns whether it succeeded.
+    // Runs an operation, sometimes with a failing allocation. Returns true if it succeeds.
     template <class Run>
     bool attempt(Run run) {
         bool failed = false;
@@ -178,14 +179,14 @@ private:
             failed = true;
         }
         expect(failed == allocations::Failure::consumed(),
-               "bad_alloc without a failure, or the reverse");
+               "bad_alloc without a failed allocation, or the reverse");
         counts["failed allocation"] += failed ? 1U : 0U;
         return !failed;
     }
 
     // ---- Operations ----
 
-    // Appends a filled object of one of the classes behind those that the input leaves.
+    // Shortens the list to at most three elements, then appends a filled object of one class.
     template <class... Classes, class Element>
     void append_one(std::list<Element*>& list) {
         for (const std::size_t kept = below(4); list.size() > kept;) {
@@ -240,13 +241,13 @@ private:
         }
     }
 
-    // As if of no derived class, which is what assignment makes.
+    // The description of a plain copy, because assignment makes no objects of derived classes.
     static std::string plain(const QOVA_Media& media) {
         const QOVA_Media copy(media);
         return describe(copy);
     }
 
-    // After a failure the target holds a part of the media.
+    // After a failure, the target holds only some of the media.
     void assign(QOVA_Capability& target, const QOVA_Capability& source) {
         const bool done = attempt([&] { target = source; });
         const auto fields = [](const std::string& dump) { return dump.substr(0, dump.find('\n')); };
@@ -267,7 +268,7 @@ private:
             return;
         }
         const bool again = one_in(2);
-        if (!attempt([&] { *media = *other; })) {  // it may lack its address or parameters now
+        if (!attempt([&] { *media = *other; })) {  // its address or parameters may be null
             if (!again) {
                 target.filteredMedia.remove(media);
                 delete media;
@@ -278,7 +279,7 @@ private:
         expect_same(plain(*media), plain(*other));
     }
 
-    // There, and back to another address.
+    // Moves to the public plan, and back to the local plan at another address.
     void move(QOVA_Capability& target, const QOVA_Capability& /*source*/) {
         const auto audio = any<unsigned short>();
         const auto fax = any<unsigned short>();
@@ -303,7 +304,7 @@ private:
             expect_same(describe(target), describe(expected));
         };
         if (!attempt([&] { target.setPublicAddrPort(there, audio, fax); })) {
-            target = before;  // a media has no address now
+            target = before;  // the address of a media is null
             return;
         }
         expect_moved(there, audio - 32000, fax - 6666);
@@ -332,7 +333,7 @@ private:
         return list;
     }
 
-    // Walks from back to front, so that the first match is the last that it takes.
+    // Visits the lists from back to front, so that the last match found is the first in the list.
     void search(QOVA_Capability& target, const QOVA_Capability& /*source*/) {
         const auto codec = any<QOVA_Codec>();
         const auto transport = any<QOVA_FaxTransport>();
@@ -372,7 +373,7 @@ private:
                "search");
     }
 
-    // Parameter objects are compared by identity, so most pairs of media share theirs meanwhile.
+    // Parameter objects are compared by identity, so most pairs of media share them temporarily.
     void compare(QOVA_Capability& target, const QOVA_Capability& source) {
         QOVA_Capability other(one_in(4) ? source : target);
         one_in(4) ? append(other, source) : change(other, source);

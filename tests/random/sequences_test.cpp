@@ -16,7 +16,7 @@ TEST(RandomSequences, KeepTheRules) {
         }
         ASSERT_NO_THROW(sequences::Sequence(bytes.data(), bytes.size(), counts).run()) << seed;
     }
-    // Every operation and every outcome comes about.
+    // Every operation and every outcome occurs.
     EXPECT_EQ(counts.size(), 14U);
     for (const auto& [what, times] : counts) {
         std::cout << what << ": " << times << '\n';

@@ -1,5 +1,5 @@
-// A second copy of libqova in the same process, as a plug-in has it that links the library
-// statically and hides it: its classes have the same names, and type information of their own.
+// A second copy of libqova in the same process, as in a plug-in that links the library statically
+// and hides its symbols: its classes have the same names but their own type information.
 
 #ifndef QOVA_TESTS_SECOND_COPY_H
 #define QOVA_TESTS_SECOND_COPY_H
@@ -8,7 +8,7 @@
 
 #include "qova/media.h"
 
-// A full media of the second copy.
+// Returns a full media, made by the second copy.
 std::unique_ptr<QOVA_Media> full_media_of_second_copy();
 
 #endif

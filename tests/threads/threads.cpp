@@ -1,5 +1,5 @@
-// What several threads may do at once, for ThreadSanitizer to watch: read one capability, or use
-// one each. The control writes to one capability, which is not allowed and has to be reported.
+// Runs under ThreadSanitizer what several threads may do at once: read one capability, or use one
+// each. In the control, they write to one capability, which ThreadSanitizer must report.
 
 #include <cstdio>
 #include <cstdlib>
@@ -21,7 +21,7 @@ QOVA_Capability make_offer() {
     return offer;
 }
 
-// Every const operation.
+// Runs every const operation.
 void read(const QOVA_Capability& capability) {
     const QOVA_Capability copy(capability);
     const std::string text = capability;
@@ -35,7 +35,7 @@ void read(const QOVA_Capability& capability) {
     }
 }
 
-// And the others.
+// Runs the edits.
 void write(QOVA_Capability& capability) {
     const UDPAddr to(IPAddress::IpAddressAny, 0);
     capability.setPublicAddrPort(to, 40000, 7000);

@@ -1,5 +1,5 @@
-// The program that every consumer builds, in C++11 and later and with any companion. It fills and
-// reads public members, derives from an attribute, and passes texts and lists in both directions.
+// The program of every consumer: C++11 and later, with any companion. It fills and reads public
+// members, derives from an attribute, and passes texts and lists in both directions.
 
 #include <cstdio>
 #include <list>
@@ -81,16 +81,16 @@ void copy_move_and_log() {
     expect(text == golden_text, "the text is as expected");
 }
 
-// The forms that qova/attributes.h calls quiet: C++20, too, compiles them without a warning.
+// The comparisons that compile without a warning in C++20, too: see qova/attributes.h.
 void compare_attributes() {
     const OwnAttribute left;
     const OwnAttribute right;
     const QOVA_MediaAttribute& left_base = left;
     const QOVA_MediaAttribute& right_base = right;
-    expect(!left.operator==(right) && OwnAttribute::asked == &left, "a.operator==(b) asks a");
-    expect(!(right_base == left_base) && OwnAttribute::asked == &right, "base == base asks left");
+    expect(!left.operator==(right) && OwnAttribute::asked == &left, "a.operator==(b) calls a");
+    expect(!(right_base == left_base) && OwnAttribute::asked == &right, "base == base calls left");
     expect(!(left_base == right) && OwnAttribute::asked == (__cplusplus < 202002L ? &left : &right),
-           "base == derived asks right since C++20");
+           "base == derived calls right since C++20");
 #ifdef LOUD
     expect(!(left == right), "two objects of the same derived class");
 #endif

@@ -212,8 +212,15 @@ TEST_F(CallSideTest, AnswersAfterAnOfferOfItsOwn) {
 TEST_F(CallSideTest, RefusesAnAnswerWithOtherLines) {
     side.offer();
     const std::string no_media = audio.substr(0, audio.find("m="));
-    for (const std::string& other : {no_media, audio + media_of(video), std::string("v=0\r\n")}) {
-        EXPECT_THROW(side.take_answer(other), sdp::Refusal);
+    EXPECT_THROW(side.take_answer("v=0\r\n"), sdp::Refusal);
+    for (const std::string& other : {no_media, audio + media_of(video)}) {
+        try {
+            side.take_answer(other);
+            ADD_FAILURE() << other;
+        } catch (const sdp::Refusal& refusal) {
+            EXPECT_STREQ(refusal.what(),
+                         "the answer and the offer have different numbers of media lines");
+        }
     }
     EXPECT_NO_THROW(side.take_answer(audio));
 }

@@ -10,7 +10,6 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 struct CodecName {
@@ -72,12 +71,13 @@ int milliseconds(const Line& line, const std::string& what, Diagnostics& warning
     const std::vector<std::string_view> parts = split(line.value, ".", 2);
     const bool is_real = parts.size() == 2 && !parts[1].empty() &&
                          parts[1].find_first_not_of("0123456789") == std::string_view::npos;
-    const auto whole = required_number(line.number, what, is_real ? parts[0] : line.value, INT_MAX);
+    const auto whole = required<int>(line.number, what + ": expected a number",
+                                     is_real ? parts[0] : line.value, 0, INT_MAX);
     if (is_real && parts[1].find_first_not_of('0') != std::string_view::npos) {
         warnings.push_back(
             {line.number, Severity::WARNING, what + ": only whole milliseconds are used"});
     }
-    return static_cast<int>(whole);
+    return whole;
 }
 
 }  // namespace

@@ -31,21 +31,24 @@ using Diagnostics = std::vector<Diagnostic>;
 /// Thrown when a description is refused.
 class Refusal : public std::runtime_error {
 public:
-    /// @param given_line the line that is wrong, counted from 1; 0 is the whole description
-    /// @param message the reason
     Refusal(std::size_t given_line, const std::string& message)
         : std::runtime_error(message), line(given_line) {}
 
     std::size_t line;  ///< Counted from 1; 0 is the whole description.
 };
 
+/// Throws a Refusal if `is_wrong` is true.
+inline void refuse_if(bool is_wrong, std::size_t line, const char* message) {
+    if (is_wrong) {
+        throw Refusal(line, message);
+    }
+}
+
 /// Returns "NAME:LINE", or "NAME" if the line is 0.
 std::string place(const std::string& name, std::size_t line);
 
 /// Returns "NAME:LINE: warning: MESSAGE" or "NAME:LINE: rejected: MESSAGE", without a newline.
-/// @param diagnostic what to print
-/// @param name the file or message that holds the description
-/// @param lines_before the number of lines before the description in that file
+/// NAME is the file or message that holds the description after `lines_before` other lines.
 std::string printed(const Diagnostic& diagnostic, const std::string& name,
                     std::size_t lines_before = 0);
 

@@ -51,6 +51,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Throws Misuse if `is_wrong` is true.
+inline void misuse_if(bool is_wrong, const std::string& message) {
+    if (is_wrong) {
+        throw Misuse(message);
+    }
+}
+
 // Reads the arguments of qova-sdp. Throws Misuse.
 Options read_options(const std::vector<std::string>& arguments);
 

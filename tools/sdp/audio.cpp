@@ -95,7 +95,7 @@ void read_audio(const std::vector<Payload>& payloads, const Section& section,
             }
         });
     }
-    const std::vector<Fmtp> fmtps = fmtps_of(section, warnings);
+    const std::vector<Parameter> parameters = parameters_of(section, warnings);
     for (const Payload& payload : payloads) {
         if (is_tone_event(payload)) {
             continue;
@@ -114,11 +114,8 @@ void read_audio(const std::vector<Payload>& payloads, const Section& section,
                 media.amrwbParam->channels = static_cast<int>(*channels);
             }
         }
-        for (const Fmtp& fmtp : fmtps) {
-            if (fmtp.payload != payload.type) {
-                continue;
-            }
-            for (const Parameter& parameter : fmtp.parameters) {
+        for (const Parameter& parameter : parameters) {
+            if (parameter.payload == payload.type) {
                 warn_of_refusal(warnings, [&] {
                     read_parameter(parameter, codec, is_first_of_codec, media, audio.vad);
                 });

@@ -101,15 +101,14 @@ QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite 
     refuse_if(*size < sizes.min || *size > sizes.max, line.number,
               "a=crypto: wrong key length for this suite");
     std::size_t next = 1;
-    if (next < fields.size() && split(fields[next], ":").size() == 1) {
+    const auto is_next = [&](bool has_colon) {
+        return next < fields.size() && (split(fields[next], ":").size() > 1) == has_colon;
+    };
+    if (is_next(false)) {
         key.lifetime = lifetime_of(line, fields[next++]);
     }
-    if (next < fields.size()) {
-        const std::vector<std::string_view> parts = split(fields[next], ":", 2);
-        if (parts.size() == 2) {
-            read_mki(line, parts, key);
-            ++next;
-        }
+    if (is_next(true)) {
+        read_mki(line, split(fields[next++], ":", 2), key);
     }
     refuse_if(next != fields.size(), line.number, "a=crypto: unexpected text after a key");
     return key;

@@ -5,6 +5,7 @@
 #ifndef QOVA_TOOLS_SDP_DIAGNOSTICS_H
 #define QOVA_TOOLS_SDP_DIAGNOSTICS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -45,15 +46,25 @@ inline void refuse_if(bool is_wrong, std::size_t line, const char* message) {
 }
 
 /// Returns "NAME:LINE", or "NAME" if the line is 0.
-std::string place(const std::string& name, std::size_t line);
+inline std::string place(const std::string& name, std::size_t line) {
+    return line == 0 ? name : name + ":" + std::to_string(line);
+}
 
 /// Returns "NAME:LINE: warning: MESSAGE" or "NAME:LINE: rejected: MESSAGE", without a newline.
 /// NAME is the file or message that holds the description after `lines_before` other lines.
-std::string printed(const Diagnostic& diagnostic, const std::string& name,
-                    std::size_t lines_before = 0);
+inline std::string printed(const Diagnostic& diagnostic, const std::string& name,
+                           std::size_t lines_before = 0) {
+    return place(name, diagnostic.line == 0 ? 0 : lines_before + diagnostic.line) +
+           (diagnostic.severity == Severity::WARNING ? ": warning: " : ": rejected: ") +
+           diagnostic.message;
+}
 
 /// Sorts by line; diagnostics of the same line keep their order.
-void sort(Diagnostics& diagnostics);
+inline void sort(Diagnostics& diagnostics) {
+    std::stable_sort(
+        diagnostics.begin(), diagnostics.end(),
+        [](const Diagnostic& left, const Diagnostic& right) { return left.line < right.line; });
+}
 
 /// Calls a function and turns a Refusal, or another Reason derived from it, into a warning. Returns
 /// false if there was one.

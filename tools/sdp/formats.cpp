@@ -39,26 +39,24 @@ void take(const Parameter& parameter, const char* name, Member& member,
     throw Refusal(parameter.line, name + (": expected " + expected));
 }
 
-Fmtp fmtp_of(const Line& line) {
+void append_parameters(const Line& line, std::vector<Parameter>& parameters) {
     const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-    Fmtp fmtp = {
-        required(line.number, "a=fmtp: expected a payload type", fields[0], 0, max_payload_type),
-        {}};
+    const unsigned payload =
+        required(line.number, "a=fmtp: expected a payload type", fields[0], 0, max_payload_type);
     refuse_if(fields.size() != 2, line.number, "a=fmtp: the parameters are missing");
     for (const std::string_view parameter : split(fields[1], ";")) {
         std::vector<std::string_view> parts = split(parameter, "=", 2);
         parts.resize(2);
-        fmtp.parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1])});
+        parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1]), payload});
     }
-    return fmtp;
 }
 
 }  // namespace
 
-std::vector<Fmtp> fmtps_of(const Section& section, Diagnostics& warnings) {
-    std::vector<Fmtp> found;
+std::vector<Parameter> parameters_of(const Section& section, Diagnostics& warnings) {
+    std::vector<Parameter> found;
     for (const Line* const line : attributes(section, "fmtp")) {
-        warn_of_refusal(warnings, [&] { found.push_back(fmtp_of(*line)); });
+        warn_of_refusal(warnings, [&] { append_parameters(*line, found); });
     }
     return found;
 }

@@ -44,7 +44,7 @@ void read_fax(std::string_view transport, const Section& section, QOVA_Media& me
 }
 
 void read_video(const ReadLine& line, const Section& section, Diagnostics& warnings) {
-    fmtps_of(section, warnings);
+    parameters_of(section, warnings);
     for (std::size_t i = line.payloads.size(); i != 0; --i) {
         qova::append<QOVA_VideoAttribute>(line.media->attributes);
     }

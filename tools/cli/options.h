@@ -46,8 +46,7 @@ struct Options {
 };
 
 // A wrong command line. The message names the option and its value.
-class Misuse : public std::runtime_error {
-public:
+struct Misuse : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 

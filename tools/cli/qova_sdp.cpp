@@ -96,8 +96,8 @@ void with_description(const Options& options, const std::string& file, Call call
                        "--output would replace the message around the description");
         call(found);
     } catch (const sdp::Refusal& refusal) {
-        const std::size_t line = refusal.line == 0 ? 0 : lines_before + refusal.line;
-        throw std::runtime_error(sdp::place(display_name(file), line) + ": " + refusal.what());
+        throw std::runtime_error(sdp::place(display_name(file), refusal.line, lines_before) + ": " +
+                                 refusal.what());
     }
 }
 

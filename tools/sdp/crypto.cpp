@@ -66,17 +66,13 @@ std::optional<std::size_t> decode_key(std::string_view text, QOVA_CryptoKey& key
 // NUMBER or 2^NUMBER, at most 2^48 (RFC 3711); the model holds 32 bits.
 unsigned int lifetime_of(const Line& line, std::string_view text) {
     constexpr unsigned max_power = 48;
-    std::optional<unsigned long long> packets;
+    unsigned long long packets = number(text, 1ULL << max_power).value_or(0);
     if (text.substr(0, 2) == "2^") {
-        if (const auto power = number(text.substr(2), max_power)) {
-            packets = 1ULL << *power;
-        }
-    } else {
-        packets = number(text, 1ULL << max_power);
+        const auto power = number(text.substr(2), max_power);
+        packets = power ? 1ULL << *power : 0;
     }
-    refuse_if(!packets || *packets == 0, line.number,
-              "a=crypto: expected a lifetime of 1 to 2^48 packets");
-    return static_cast<unsigned int>(std::min<unsigned long long>(*packets, UINT_MAX));
+    refuse_if(packets == 0, line.number, "a=crypto: expected a lifetime of 1 to 2^48 packets");
+    return static_cast<unsigned int>(std::min<unsigned long long>(packets, UINT_MAX));
 }
 
 // VALUE:LENGTH

@@ -45,16 +45,17 @@ inline void refuse_if(bool is_wrong, std::size_t line, const char* message) {
     }
 }
 
-/// Returns "NAME:LINE", or "NAME" if the line is 0.
-inline std::string place(const std::string& name, std::size_t line) {
-    return line == 0 ? name : name + ":" + std::to_string(line);
+/// Returns "NAME:LINE", or "NAME" if the line is 0. NAME is the file or message that holds the
+/// description after `lines_before` other lines.
+inline std::string place(const std::string& name, std::size_t line, std::size_t lines_before = 0) {
+    return line == 0 ? name : name + ":" + std::to_string(lines_before + line);
 }
 
 /// Returns "NAME:LINE: warning: MESSAGE" or "NAME:LINE: rejected: MESSAGE", without a newline.
-/// NAME is the file or message that holds the description after `lines_before` other lines.
+/// NAME and LINE are those of place().
 inline std::string printed(const Diagnostic& diagnostic, const std::string& name,
                            std::size_t lines_before = 0) {
-    return place(name, diagnostic.line == 0 ? 0 : lines_before + diagnostic.line) +
+    return place(name, diagnostic.line, lines_before) +
            (diagnostic.severity == Severity::WARNING ? ": warning: " : ": rejected: ") +
            diagnostic.message;
 }

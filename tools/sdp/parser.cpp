@@ -71,7 +71,7 @@ void ignore(const Description& description, Parsed& parsed, Lines& ignored, Chec
 
 struct Input {
     std::string text;
-    std::vector<std::pair<const Line*, std::size_t>> ends;  // of each line; the size up to it
+    std::vector<std::pair<const Line*, std::size_t>> ends;  // each line, and where its text ends
 };
 
 // The text for the parser has no blank lines, because the parser stops at them without an error,

@@ -28,10 +28,9 @@ std::optional<bool> silence_suppression(const Section& section) {
 }
 
 QOVA_FaxTransport fax_transport(std::string_view transport) {
-    if (ends_in(transport, "udptl")) {
-        return FT_T38_UDPTL;
-    }
-    return same(transport, "tcp") || same(transport, "tcptl") ? FT_T38_TCP : FT_NIL;
+    return ends_in(transport, "udptl")                          ? FT_T38_UDPTL
+           : same(transport, "tcp") || same(transport, "tcptl") ? FT_T38_TCP
+                                                                : FT_NIL;
 }
 
 void read_fax(std::string_view transport, const Section& section, QOVA_Media& media,

@@ -188,10 +188,8 @@ sdp::Strictness Options::strictness() const {
 }
 
 std::optional<sdp::Plan> Options::plan() const {
-    if (!plan_address) {
-        return std::nullopt;
-    }
-    return sdp::Plan{*plan_address, *audio_port, *fax_port};
+    return plan_address ? std::optional(sdp::Plan{*plan_address, *audio_port, *fax_port})
+                        : std::nullopt;
 }
 
 sdp::Policy Options::policy() const {

@@ -66,12 +66,9 @@ void check_endpoints(const std::vector<MovableLine>& lines, const std::string& n
     std::map<Endpoint, const MovableLine*> ends;
     std::map<std::pair<std::size_t, Endpoint>, Endpoint> bundled;
     for (const MovableLine& line : lines) {
-        if (line.address.empty()) {
-            continue;
-        }
         const std::string& address = line.moves ? new_address : line.address;
         for (const Port& port : line.ports) {
-            if (port.digits.empty()) {
+            if (line.address.empty() || port.digits.empty()) {
                 continue;
             }
             const Endpoint end = {line.is_tcp, address, line.moved(port)};

@@ -55,12 +55,10 @@ struct Content {
 };
 
 Content content_of(const std::string& head) {
-    struct Destroy {
-        void operator()(msg_t* message) const { msg_destroy(message); }
-    };
     Content content;
-    const std::unique_ptr<msg_t, Destroy> message(
-        msg_make(sip_default_mclass(), 0, head.data(), static_cast<ssize_t>(head.size())));
+    const std::unique_ptr<msg_t, void (*)(msg_t*)> message(
+        msg_make(sip_default_mclass(), 0, head.data(), static_cast<ssize_t>(head.size())),
+        msg_destroy);
     const sip_t* const sip = message ? sip_object(message.get()) : nullptr;
     if (sip == nullptr) {
         return content;

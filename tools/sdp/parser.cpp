@@ -18,13 +18,11 @@ namespace {
 // The reader decides about missing addresses and about directions.
 constexpr int parser_flags = sdp_f_c_missing | sdp_f_mode_manual;
 
-struct FreeParser {
-    void operator()(sdp_parser_t* parser) const { sdp_parser_free(parser); }
-};
-using Parser = std::unique_ptr<sdp_parser_t, FreeParser>;
+using Parser = std::unique_ptr<sdp_parser_t, void (*)(sdp_parser_t*)>;
 
 Parser parse_text(std::string_view text, int flags = parser_flags) {
-    return Parser(sdp_parse(nullptr, text.data(), static_cast<issize_t>(text.size()), flags));
+    return {sdp_parse(nullptr, text.data(), static_cast<issize_t>(text.size()), flags),
+            sdp_parser_free};
 }
 
 std::string refusal_of(const Line& line) {

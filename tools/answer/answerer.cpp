@@ -5,13 +5,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <map>
-#include <string>
 #include <system_error>
 #include <utility>
 
 #include "qova/attributes.h"
 #include "qova/crypto.h"
-#include "qova/media.h"
 #include "qova/ownership.h"
 #include "sdp/audio.h"
 #include "sdp/crypto.h"
@@ -19,7 +17,6 @@
 #include "sdp/writer.h"
 
 namespace sdp {
-
 namespace {
 
 // Why a line is rejected; null if it is accepted.
@@ -105,13 +102,6 @@ Reason accept_fax(const ReadLine& line, const Policy& policy) {
                                             : nullptr;
 }
 
-void clear_cryptos(QOVA_Media& media) {
-    while (!media.cryptos.empty()) {
-        qova::erase(media.cryptos, media.cryptos.begin());
-    }
-    media.cryptoCount = 0;
-}
-
 // Gives a media the ports of its number among those of its type, so that they are the same in a
 // re-INVITE.
 Reason set_ports(QOVA_Media& media, std::size_t number) {
@@ -139,7 +129,10 @@ Reason accept(const ReadLine& line, const Policy& policy, std::size_t number, Ac
     }
     accepted.media = std::make_unique<QOVA_Media>(offered);
     QOVA_Media& media = *accepted.media;
-    clear_cryptos(media);  // the answer has its own
+    while (!media.cryptos.empty()) {  // the answer has its own
+        qova::erase(media.cryptos, media.cryptos.begin());
+    }
+    media.cryptoCount = 0;
     const Reason reason = media.mediaType == QOVA_Media::MT_AUDIO
                               ? accept_audio(line, policy, accepted)
                           : media.mediaType == QOVA_Media::MT_FAX ? accept_fax(line, policy)
@@ -153,24 +146,11 @@ Reason accept(const ReadLine& line, const Policy& policy, std::size_t number, Ac
     return set_ports(media, number);
 }
 
-std::unique_ptr<QOVA_Media> rejected(QOVA_Media::e_MediaType type) {
-    auto media = std::make_unique<QOVA_Media>();
-    media->mediaType = type;
-    media->mediaStatus = QOVA_Media::MS_REJECTED;
-    return media;
-}
-
 // Returns true if the answer has audio lines and receives nothing on any of them.
 bool is_held(const QOVA_Capability& answer) {
-    bool has_audio = false;
-    for (const QOVA_Media* const media :
-         answer.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_ACCEPTED)) {
-        has_audio = true;
-        if (media->brcv) {
-            return false;
-        }
-    }
-    return has_audio;
+    const auto audio = answer.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_ACCEPTED);
+    return !audio.empty() && std::none_of(audio.begin(), audio.end(),
+                                          [](const QOVA_Media* media) { return media->brcv; });
 }
 
 }  // namespace
@@ -191,19 +171,18 @@ Answer answer(const Reading& offer, const Policy& policy) {
         const auto type = line.media == nullptr ? QOVA_Media::MT_NIL : line.media->mediaType;
         const std::size_t number = lines_of[type]++;
         Accepted accepted;
-        bool is_accepted = false;
-        if (!line.is_rejected) {
-            const Reason reason = accept(line, policy, number, accepted);
-            is_accepted = reason == nullptr;
-            if (!is_accepted) {
-                result.diagnostics.push_back({line.number, Severity::REJECTION, reason});
-            }
-        }
-        if (is_accepted) {
+        const Reason reason =
+            line.is_rejected ? "by the offer" : accept(line, policy, number, accepted);
+        if (reason == nullptr) {
             result.accepts = true;
             capability.silenceSuppSdp |= type == QOVA_Media::MT_AUDIO && line.suppresses_silence;
         } else {
-            accepted = {rejected(type), {}};
+            accepted = {std::make_unique<QOVA_Media>(), {}};
+            accepted.media->mediaType = type;
+            accepted.media->mediaStatus = QOVA_Media::MS_REJECTED;
+            if (!line.is_rejected) {
+                result.diagnostics.push_back({line.number, Severity::REJECTION, reason});
+            }
         }
         if (line.media == nullptr) {
             capability.passThrough += rejected_line(line);

@@ -24,7 +24,6 @@
 
 #include "netconf/sdp.h"
 #include "qova/capability.h"
-#include "qova/enumerations.h"
 #include "sdp/diagnostics.h"
 #include "sdp/plan.h"
 #include "sdp/reader.h"
@@ -36,8 +35,7 @@ void random_bytes(unsigned char* to, std::size_t size);
 
 /// What is accepted of an offer.
 struct Policy {
-    /// The local address.
-    MediaAddress address;
+    MediaAddress address;  ///< The local address.
 
     /// The accepted codecs.
     std::vector<QOVA_Codec> codecs = {CODEC_G711_ALAW, CODEC_G711_ULAW, CODEC_G723,   CODEC_G729,
@@ -48,8 +46,7 @@ struct Policy {
                                           CS_AES_256_CM_HMAC_SHA1_80, CS_AES_256_CM_HMAC_SHA1_32,
                                           CS_AEAD_AES_128_GCM,        CS_AEAD_AES_256_GCM};
 
-    /// T.38 is accepted.
-    bool fax = true;
+    bool fax = true;  ///< T.38 is accepted.
 
     /// Makes keys and session numbers. Leave it as it is, except in tests.
     std::function<void(unsigned char* to, std::size_t size)> random = random_bytes;
@@ -63,11 +60,8 @@ struct Answer {
     /// The accepted payload types of each media line, tone events included; none if it is rejected.
     std::vector<std::vector<unsigned>> payloads;
 
-    /// Why lines are rejected. A line that the offer itself rejects has no diagnostic.
-    Diagnostics diagnostics;
-
-    /// True if a line is accepted.
-    bool accepts = false;
+    Diagnostics diagnostics;  ///< Why lines are rejected, but not those that the offer rejects.
+    bool accepts = false;     ///< True if a line is accepted.
 };
 
 /// Answers an offer. Linear in the length of the offer, times the numbers of codecs and suites.

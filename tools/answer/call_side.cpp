@@ -1,17 +1,14 @@
 #include "answer/call_side.h"
 
-#include <algorithm>
 #include <iterator>
 #include <stdexcept>
 #include <utility>
 
 #include "answer/changes.h"
-#include "qova/media.h"
 #include "sdp/strings.h"
 #include "sdp/writer.h"
 
 namespace sdp {
-
 namespace {
 
 // The template of our own offer. The policy filters it as it filters a received offer.
@@ -155,9 +152,8 @@ Reply CallSide::offer() {
 std::string CallSide::take_answer(const std::string& answer) {
     const Description description(answer);
     const Reading reading = read(description, Role::ANSWER, Strictness::LENIENT);
-    if (description.sections.size() != Description(last_sent).sections.size()) {
-        throw Refusal(0, "the answer and the offer have different numbers of media lines");
-    }
+    refuse_if(description.sections.size() != Description(last_sent).sections.size(), 0,
+              "the answer and the offer have different numbers of media lines");
     return entry("answer", *reading.capability);
 }
 

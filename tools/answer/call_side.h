@@ -31,11 +31,9 @@ struct Reply {
 /// 8).
 class CallSide {
 public:
-    /// Starts a call with a random session number. Throws what Policy::random throws.
-    /// @param given_policy what it accepts and offers
-    /// @param given_plan the public address and ports that it sends, if they are not the local
-    /// ones;
-    ///        the address has the family of Policy::address
+    /// Starts a call with a random session number. The plan has the public address and ports that
+    /// it sends, if they are not the local ones; the address has the family of Policy::address.
+    /// Throws what Policy::random throws.
     explicit CallSide(Policy given_policy, std::optional<Plan> given_plan = std::nullopt);
 
     /// Continues a call after the description that was sent last. Throws Refusal and changes

@@ -9,7 +9,6 @@
 #include "qova/media.h"
 
 namespace sdp {
-
 namespace {
 
 // [keys]

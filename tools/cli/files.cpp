@@ -50,12 +50,8 @@ std::string display_name(const std::string& file) {
 }
 
 std::string read_file(const std::string& file) {
-    File opened;
-    std::FILE* stream = stdin;
-    if (file != "-") {
-        opened = checked(std::fopen(file.c_str(), "rb"), file);
-        stream = opened.get();
-    }
+    const File opened = file == "-" ? File() : checked(std::fopen(file.c_str(), "rb"), file);
+    std::FILE* const stream = opened ? opened.get() : stdin;
     std::string text;
     char buffer[65536];
     while (const std::size_t size = std::fread(buffer, 1, sizeof buffer, stream)) {

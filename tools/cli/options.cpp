@@ -97,25 +97,19 @@ void store(const std::string&, const std::string& value, std::string& to) {
 void store(const std::string& name, const std::string& value,
            std::optional<sdp::MediaAddress>& to) {
     to = sdp::MediaAddress::parse(value);
-    if (!to) {
-        throw Misuse(name + ": invalid address " + quoted(value) +
-                     " (expected a unicast IPv4 or IPv6 address)");
-    }
+    misuse_if(!to, name + ": invalid address " + quoted(value) +
+                       " (expected a unicast IPv4 or IPv6 address)");
 }
 
 void store(const std::string& name, const std::string& value, std::optional<unsigned short>& to) {
     const auto port = sdp::number(value, 65535);
-    if (port.value_or(0) == 0) {
-        throw Misuse(name + ": invalid port " + quoted(value) + " (1 to 65535)");
-    }
+    misuse_if(port.value_or(0) == 0, name + ": invalid port " + quoted(value) + " (1 to 65535)");
     to = static_cast<unsigned short>(*port);
 }
 
 void store(const std::string& name, const std::string& value, std::vector<QOVA_Codec>& to) {
     const auto codec = sdp::codec_named(value);
-    if (!codec) {
-        throw Misuse(name + ": unknown codec " + quoted(value));
-    }
+    misuse_if(!codec, name + ": unknown codec " + quoted(value));
     to.push_back(*codec);
 }
 
@@ -126,36 +120,29 @@ void check(const Options& options) {
                         (options.previous == "-" ? 1 : 0);
     const int of_plan =
         (options.plan_address ? 1 : 0) + (options.audio_port ? 1 : 0) + (options.fax_port ? 1 : 0);
-    const std::pair<bool, const char*> errors[] = {
-        {options.command == SERVE && files > 0, "qova-answer takes options only"},
-        {options.command != SERVE && files == 0, "missing FILE"},
-        {options.command == ANSWER && files > 1, "answer takes only one FILE"},
-        {!options.output.empty() && files > 1, "--output takes only one FILE"},
-        {dashes > 1, "standard input ('-') is given twice"},
-        {options.command == ANSWER && !options.local, "answer requires --local"},
-        {options.command == MOVE && of_plan < 3,
-         "move requires --address, --audio-port and --fax-port"},
-        {of_plan == 1 || of_plan == 2, "--public, --audio-port and --fax-port require each other"},
-        {options.fax && options.no_fax, "--fax and --no-fax exclude each other"},
-    };
-    for (const auto& [is_wrong, message] : errors) {
-        if (is_wrong) {
-            throw Misuse(message);
-        }
-    }
+    misuse_if(options.command == SERVE && files > 0, "qova-answer takes options only");
+    misuse_if(options.command != SERVE && files == 0, "missing FILE");
+    misuse_if(options.command == ANSWER && files > 1, "answer takes only one FILE");
+    misuse_if(!options.output.empty() && files > 1, "--output takes only one FILE");
+    misuse_if(dashes > 1, "standard input ('-') is given twice");
+    misuse_if(options.command == ANSWER && !options.local, "answer requires --local");
+    misuse_if(options.command == MOVE && of_plan < 3,
+              "move requires --address, --audio-port and --fax-port");
+    misuse_if(of_plan == 1 || of_plan == 2,
+              "--public, --audio-port and --fax-port require each other");
+    misuse_if(options.fax && options.no_fax, "--fax and --no-fax exclude each other");
     check_families(options);
 }
 
 // Reads the arguments of a command: options and files in any order.
-Options read(const char* command_name, Command command,
-             std::vector<std::string>::const_iterator next,
-             std::vector<std::string>::const_iterator end) {
+Options read(const std::string& command_name, Command command,
+             const std::vector<std::string>& arguments, std::size_t next = 0) {
     Options options;
     options.command = command;
     std::set<std::string> seen;
     bool options_have_ended = false;
-    while (next != end) {
-        const std::string argument = *next++;
+    while (next < arguments.size()) {
+        const std::string& argument = arguments[next++];
         if (options_have_ended || argument == "-" || argument.substr(0, 1) != "-") {
             options.files.push_back(argument);
             continue;
@@ -170,25 +157,18 @@ Options read(const char* command_name, Command command,
             std::begin(option_table), std::end(option_table), [&](const Option& candidate) {
                 return candidate.name == name && (candidate.commands & command) != 0;
             });
-        if (option == std::end(option_table)) {
-            throw Misuse(std::string(command_name) + ": unknown option " + quoted(name));
-        }
-        if (!seen.insert(name).second && name != "--codec") {
-            throw Misuse(name + " is given twice");
-        }
+        misuse_if(option == std::end(option_table),
+                  command_name + ": unknown option " + quoted(name));
+        misuse_if(!seen.insert(name).second && name != "--codec", name + " is given twice");
         const bool takes_value = !option->value.empty();
         std::string value;
         if (equals != std::string::npos) {
             value = argument.substr(equals + 1);
-            if (!takes_value) {
-                throw Misuse(name + ": unexpected value " + quoted(value));
-            }
-        } else if (takes_value && next != end) {
-            value = *next++;
+            misuse_if(!takes_value, name + ": unexpected value " + quoted(value));
+        } else if (takes_value && next < arguments.size()) {
+            value = arguments[next++];
         }
-        if (takes_value && value.empty()) {
-            throw Misuse(name + ": missing value");
-        }
+        misuse_if(takes_value && value.empty(), name + ": missing value");
         std::visit([&](auto member) { store(name, value, options.*member); }, option->member);
     }
     if (!options.help && !options.version) {
@@ -208,10 +188,8 @@ sdp::Strictness Options::strictness() const {
 }
 
 std::optional<sdp::Plan> Options::plan() const {
-    if (!plan_address) {
-        return std::nullopt;
-    }
-    return sdp::Plan{*plan_address, *audio_port, *fax_port};
+    return plan_address ? std::optional(sdp::Plan{*plan_address, *audio_port, *fax_port})
+                        : std::nullopt;
 }
 
 sdp::Policy Options::policy() const {
@@ -224,24 +202,22 @@ sdp::Policy Options::policy() const {
 }
 
 Options read_options(const std::vector<std::string>& arguments) {
-    if (arguments.empty()) {
-        throw Misuse("missing command");
-    }
+    misuse_if(arguments.empty(), "missing command");
     const std::string& first = arguments.front();
     if (first == "-h" || first == "--help" || first == "--version") {
-        return read("qova-sdp", LOG, arguments.begin(), arguments.end());
+        return read("qova-sdp", LOG, arguments);
     }
     for (const auto& [name, command] :
          {std::pair("log", LOG), std::pair("move", MOVE), std::pair("answer", ANSWER)}) {
         if (first == name) {
-            return read(name, command, arguments.begin() + 1, arguments.end());
+            return read(name, command, arguments, 1);
         }
     }
     throw Misuse("unknown command " + quoted(first));
 }
 
 Options read_server_options(const std::vector<std::string>& arguments) {
-    return read("qova-answer", SERVE, arguments.begin(), arguments.end());
+    return read("qova-answer", SERVE, arguments);
 }
 
 void check_families(const Options& options) {

@@ -46,10 +46,16 @@ struct Options {
 };
 
 // A wrong command line. The message names the option and its value.
-class Misuse : public std::runtime_error {
-public:
+struct Misuse : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+// Throws Misuse if `is_wrong` is true.
+inline void misuse_if(bool is_wrong, const std::string& message) {
+    if (is_wrong) {
+        throw Misuse(message);
+    }
+}
 
 // Reads the arguments of qova-sdp. Throws Misuse.
 Options read_options(const std::vector<std::string>& arguments);

@@ -8,20 +8,15 @@
 #include "qova/version.h"
 #include "sdp/strings.h"
 
-namespace {
-
-std::string version_of(const std::string& program) {
-    return program + " " + std::to_string(QOVA_VERSION_MAJOR) + "." +
-           std::to_string(QOVA_VERSION_MINOR) + "." + std::to_string(QOVA_VERSION_PATCH) + "\n";
-}
-
-}  // namespace
-
 Status run_program(const Program& program, int argc, char** argv) {
     try {
+        const std::string version = std::to_string(QOVA_VERSION_MAJOR) + "." +
+                                    std::to_string(QOVA_VERSION_MINOR) + "." +
+                                    std::to_string(QOVA_VERSION_PATCH);
         Options options = program.read_options({argv + std::min(1, argc), argv + argc});
         if (options.help || options.version) {
-            write_output(options.help ? program.usage : version_of(program.name));
+            write_output(options.help ? program.usage
+                                      : std::string(program.name) + " " + version + "\n");
             return DONE;
         }
         return program.run(options);

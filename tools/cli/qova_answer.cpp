@@ -14,17 +14,13 @@ constexpr char name[] = "qova-answer";
 // Completes the options with the host that the server listens at.
 void set_local(Options& options) {
     const auto host = sip::host_of(options.listen);
-    if (!host) {
-        throw Misuse("--listen: invalid URI '" + options.listen +
-                     "' (example: " + Options().listen + ")");
-    }
+    misuse_if(!host,
+              "--listen: invalid URI '" + options.listen + "' (example: " + Options().listen + ")");
     if (!options.local) {
         options.local = sdp::MediaAddress::parse(*host);
     }
-    if (!options.local) {
-        throw Misuse("--listen: the host in '" + options.listen +
-                     "' is not a unicast address (use --local)");
-    }
+    misuse_if(!options.local, "--listen: the host in '" + options.listen +
+                                  "' is not a unicast address (use --local)");
     check_families(options);
 }
 

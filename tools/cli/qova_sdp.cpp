@@ -84,14 +84,6 @@ Result run_move(const Options& options, const std::string& text) {
     }
 }
 
-// A file's description is part of a message, which the output must not replace.
-void check_output(const Options& options, const std::string& file, const sdp::Found& found) {
-    std::error_code error;
-    if (found.is_part && std::filesystem::equivalent(file, options.output, error)) {
-        throw sdp::Refusal(0, "--output would replace the message around the description");
-    }
-}
-
 // Calls a function with the description in a file. An error names the file and the line.
 template <class Call>
 void with_description(const Options& options, const std::string& file, Call call) {
@@ -99,11 +91,13 @@ void with_description(const Options& options, const std::string& file, Call call
     try {
         const sdp::Found found = sdp::find_description(read_file(file));
         lines_before = found.lines_before;
-        check_output(options, file, found);
+        std::error_code error;
+        sdp::refuse_if(found.is_part && std::filesystem::equivalent(file, options.output, error), 0,
+                       "--output would replace the message around the description");
         call(found);
     } catch (const sdp::Refusal& refusal) {
-        const std::size_t line = refusal.line == 0 ? 0 : lines_before + refusal.line;
-        throw std::runtime_error(sdp::place(display_name(file), line) + ": " + refusal.what());
+        throw std::runtime_error(sdp::place(display_name(file), refusal.line, lines_before) + ": " +
+                                 refusal.what());
     }
 }
 

@@ -5,7 +5,6 @@
 #include <utility>
 
 namespace sdp {
-
 namespace {
 
 struct Edit {

@@ -1,6 +1,5 @@
 #include "move/movable.h"
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <utility>
@@ -9,7 +8,6 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 constexpr unsigned long discard_port = 9;
@@ -23,17 +21,13 @@ std::optional<AddressField> address_or_none(const Line& line) {
     }
 }
 
-// --- Lines --------------------------------------------------------------------------------------
-
 // Returns the bundle of each media identification (a=mid), as the number of its a=group line.
 std::map<std::string_view, std::size_t> bundles_of(const Section& session) {
     std::map<std::string_view, std::size_t> bundles;
-    for (const Line& line : session) {
-        const std::vector<std::string_view> fields = tokens(line.value);
-        if (same(line.name, "group") && !fields.empty() && same(fields[0], "BUNDLE")) {
-            for (auto mid = fields.begin() + 1; mid != fields.end(); ++mid) {
-                bundles.emplace(*mid, line.number);
-            }
+    for (const Line* const line : attributes(session, "group")) {
+        const std::vector<std::string_view> fields = tokens(line->value);
+        for (std::size_t i = 1; i < fields.size() && same(fields[0], "BUNDLE"); ++i) {
+            bundles.emplace(fields[i], line->number);
         }
     }
     return bundles;
@@ -41,13 +35,9 @@ std::map<std::string_view, std::size_t> bundles_of(const Section& session) {
 
 std::size_t bundle_of(const Section& section,
                       const std::map<std::string_view, std::size_t>& bundles) {
-    for (const Line& line : section) {
-        if (same(line.name, "mid")) {
-            const auto found = bundles.find(line.value);
-            return found == bundles.end() ? 0 : found->second;
-        }
-    }
-    return 0;
+    const std::vector<const Line*> mids = attributes(section, "mid");
+    const auto found = mids.empty() ? bundles.end() : bundles.find(mids.front()->value);
+    return found == bundles.end() ? 0 : found->second;
 }
 
 // Returns true for transports such as TCP/RTP/AVP or TCPTL.
@@ -66,15 +56,14 @@ std::vector<Port> ports_of(const MediaLine& media, const MovableLine& line) {
         ports.push_back({media.port_digits, media.port, media.port + media.more_ports});
     }
     if (const Line* const attribute = rtcp_of(*line.section)) {
-        const RtcpLine rtcp = rtcp_line(*attribute);
+        const unsigned short port = rtcp_port(*attribute);
         const auto own = address_of(*attribute);
         const bool is_at_address = own ? own->address.IsAny() == 0 : !line.address.empty();
-        if (!is_discarded(rtcp.port, is_at_address)) {
-            ports.push_back({rtcp.port_digits, rtcp.port, rtcp.port});
+        if (!is_discarded(port, is_at_address)) {
+            ports.push_back({tokens(attribute->value).front(), port, port});
         }
     } else if (!ports.empty() && media.is_rtp && !line.is_tcp &&
-               std::none_of(line.section->begin(), line.section->end(),
-                            [](const Line& other) { return same(other.name, "rtcp-mux"); })) {
+               attributes(*line.section, "rtcp-mux").empty()) {
         ports.push_back({{}, media.port + 1, media.port + 1});
     }
     return ports;
@@ -166,9 +155,8 @@ MovingAddresses moving_addresses(const Description& description,
     for (const MovableLine& line : lines) {
         for (const AddressField& field : line.at) {
             const std::string address = field.address.ToString();
-            if (address != line.at.front().address.ToString()) {
-                throw Refusal(field.line, "a media line with two addresses cannot move");
-            }
+            refuse_if(address != line.at.front().address.ToString(), field.line,
+                      "a media line with two addresses cannot move");
             if (moving.addresses.empty()) {
                 moving.first_written = field.text;
                 first_line = field.line;
@@ -199,11 +187,9 @@ MovingAddresses moving_addresses(const Description& description,
         }
     }
     for (const AddressField& field : moving.fields) {
-        if (field.address.IsMulticast() || field.suffix) {
-            throw Refusal(field.line, field.address.IsMulticast()
-                                          ? "a multicast address cannot move"
-                                          : "an address with a TTL or a count cannot move");
-        }
+        refuse_if(field.address.IsMulticast() || field.suffix, field.line,
+                  field.address.IsMulticast() ? "a multicast address cannot move"
+                                              : "an address with a TTL or a count cannot move");
     }
     return moving;
 }

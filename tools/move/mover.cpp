@@ -10,14 +10,10 @@
 #include "move/editor.h"
 #include "move/movable.h"
 #include "qova/capability.h"
-#include "qova/media.h"
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
-
-// --- What a move must not do --------------------------------------------------------------------
 
 // Returns the host of a URI such as msrp://user@[2001:db8::1]:2855/s111;tcp
 std::string_view host_of(std::string_view uri) {
@@ -53,9 +49,7 @@ void check_ports(const MovableLine& line, const Plan& plan, bool back) {
     }
     const int shift = (back ? -1 : 1) * port_shift(plan, line.leader->mediaType);
     for (const Port& port : line.ports) {
-        if (port.first > 65535) {
-            throw Refusal(line.number(), "there is no RTCP port after port 65535");
-        }
+        refuse_if(port.first > 65535, line.number(), "there is no RTCP port after port 65535");
         for (const int number : {static_cast<int>(port.first), static_cast<int>(port.last)}) {
             if (!is_port(number + shift)) {
                 throw Refusal(line.number(), "the move would change port " +
@@ -72,12 +66,9 @@ void check_endpoints(const std::vector<MovableLine>& lines, const std::string& n
     std::map<Endpoint, const MovableLine*> ends;
     std::map<std::pair<std::size_t, Endpoint>, Endpoint> bundled;
     for (const MovableLine& line : lines) {
-        if (line.address.empty()) {
-            continue;
-        }
         const std::string& address = line.moves ? new_address : line.address;
         for (const Port& port : line.ports) {
-            if (port.digits.empty()) {
+            if (line.address.empty() || port.digits.empty()) {
                 continue;
             }
             const Endpoint end = {line.is_tcp, address, line.moved(port)};
@@ -90,11 +81,9 @@ void check_endpoints(const std::vector<MovableLine>& lines, const std::string& n
             if (line.bundle != 0) {
                 const Endpoint begin = {line.is_tcp, line.address, port.first};
                 const auto known = bundled.emplace(std::pair(line.bundle, begin), end).first;
-                if (known->second != end) {
-                    throw Refusal(line.number(),
-                                  "the move would separate this line from those that are bundled "
-                                  "with it on one port");
-                }
+                refuse_if(known->second != end, line.number(),
+                          "the move would separate this line from those that are bundled "
+                          "with it on one port");
             }
         }
     }
@@ -123,8 +112,6 @@ Diagnostics left_behind(const std::vector<MovableLine>& lines, const MovingAddre
     }
     return warnings;
 }
-
-// --- The move and its way back ------------------------------------------------------------------
 
 // Moves the model and finds out what that adds to the ports of each line.
 void move_model(QOVA_Capability& capability, std::vector<MovableLine>& lines, const Plan& plan,

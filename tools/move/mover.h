@@ -78,10 +78,8 @@ class SeveralAddresses : public Refusal {
 };
 
 /// Moves a description. The time is n log n in the length of its text. Throws SeveralAddresses, or
-/// Refusal for everything else that it refuses.
-/// @param text the description
-/// @param plan the public plan; with MoveOptions::back, the local address and the public ports
-/// @param options how it moves
+/// Refusal for everything else that it refuses. The plan is the public one; with MoveOptions::back,
+/// it has the local address and the public ports.
 Move move(const std::string& text, const Plan& plan, const MoveOptions& options = {});
 
 }  // namespace sdp

@@ -10,7 +10,6 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 struct CodecName {
@@ -72,12 +71,13 @@ int milliseconds(const Line& line, const std::string& what, Diagnostics& warning
     const std::vector<std::string_view> parts = split(line.value, ".", 2);
     const bool is_real = parts.size() == 2 && !parts[1].empty() &&
                          parts[1].find_first_not_of("0123456789") == std::string_view::npos;
-    const auto whole = required_number(line.number, what, is_real ? parts[0] : line.value, INT_MAX);
+    const auto whole = required<int>(line.number, what + ": expected a number",
+                                     is_real ? parts[0] : line.value, 0, INT_MAX);
     if (is_real && parts[1].find_first_not_of('0') != std::string_view::npos) {
         warnings.push_back(
             {line.number, Severity::WARNING, what + ": only whole milliseconds are used"});
     }
-    return static_cast<int>(whole);
+    return whole;
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ void read_audio(const std::vector<Payload>& payloads, const Section& section,
             }
         });
     }
-    const std::vector<Fmtp> fmtps = fmtps_of(section, warnings);
+    const std::vector<Parameter> parameters = parameters_of(section, warnings);
     for (const Payload& payload : payloads) {
         if (is_tone_event(payload)) {
             continue;
@@ -114,11 +114,8 @@ void read_audio(const std::vector<Payload>& payloads, const Section& section,
                 media.amrwbParam->channels = static_cast<int>(*channels);
             }
         }
-        for (const Fmtp& fmtp : fmtps) {
-            if (fmtp.payload != payload.type) {
-                continue;
-            }
-            for (const Parameter& parameter : fmtp.parameters) {
+        for (const Parameter& parameter : parameters) {
+            if (parameter.payload == payload.type) {
                 warn_of_refusal(warnings, [&] {
                     read_parameter(parameter, codec, is_first_of_codec, media, audio.vad);
                 });

@@ -8,7 +8,6 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 constexpr std::string_view method = "inline:";
@@ -67,32 +66,21 @@ std::optional<std::size_t> decode_key(std::string_view text, QOVA_CryptoKey& key
 // NUMBER or 2^NUMBER, at most 2^48 (RFC 3711); the model holds 32 bits.
 unsigned int lifetime_of(const Line& line, std::string_view text) {
     constexpr unsigned max_power = 48;
-    std::optional<unsigned long long> packets;
+    unsigned long long packets = number(text, 1ULL << max_power).value_or(0);
     if (text.substr(0, 2) == "2^") {
-        if (const auto power = number(text.substr(2), max_power)) {
-            packets = 1ULL << *power;
-        }
-    } else {
-        packets = number(text, 1ULL << max_power);
+        const auto power = number(text.substr(2), max_power);
+        packets = power ? 1ULL << *power : 0;
     }
-    if (!packets || *packets == 0) {
-        throw Refusal(line.number, "a=crypto: expected a lifetime of 1 to 2^48 packets");
-    }
-    return static_cast<unsigned int>(std::min<unsigned long long>(*packets, UINT_MAX));
+    refuse_if(packets == 0, line.number, "a=crypto: expected a lifetime of 1 to 2^48 packets");
+    return static_cast<unsigned int>(std::min<unsigned long long>(packets, UINT_MAX));
 }
 
 // VALUE:LENGTH
 void read_mki(const Line& line, const std::vector<std::string_view>& parts, QOVA_CryptoKey& key) {
-    const auto size = number(parts[1], sizeof key.mki);
-    if (!size || *size == 0) {
-        throw Refusal(line.number, "a=crypto: expected an MKI length from 1 to 8");
-    }
-    const unsigned unused_bits = 64 - 8 * static_cast<unsigned>(*size);
-    const auto value = number(parts[0], ULLONG_MAX >> unused_bits);
-    if (!value) {
-        throw Refusal(line.number, "a=crypto: the MKI is not a number of that length");
-    }
-    key.mkiSize = static_cast<unsigned char>(*size);
+    key.mkiSize = required<unsigned char>(line.number, "a=crypto: expected an MKI length", parts[1],
+                                          1, sizeof key.mki);
+    const auto value = number(parts[0], ULLONG_MAX >> (64 - 8 * key.mkiSize));
+    refuse_if(!value, line.number, "a=crypto: the MKI is not a number of that length");
     for (unsigned i = 0; i < key.mkiSize; ++i) {
         key.mki[i] = static_cast<unsigned char>(*value >> 8 * (key.mkiSize - 1 - i));
     }
@@ -100,33 +88,25 @@ void read_mki(const Line& line, const std::vector<std::string_view>& parts, QOVA
 
 // inline:KEY[|LIFETIME][|MKI]
 QOVA_CryptoKey read_key(const Line& line, std::string_view text, g_crypto_suite suite) {
-    if (!starts_with(text, method)) {
-        throw Refusal(line.number, "a=crypto: expected an inline key");
-    }
+    refuse_if(!starts_with(text, method), line.number, "a=crypto: expected an inline key");
     const std::vector<std::string_view> fields = split(text.substr(method.size()), "|");
     QOVA_CryptoKey key = {};
     const auto size = decode_key(fields[0], key);
-    if (!size) {
-        throw Refusal(line.number, "a=crypto: a key is not base64 or is too long");
-    }
+    refuse_if(!size, line.number, "a=crypto: a key is not base64 or is too long");
     const KeySize sizes = key_size_of(suite);
-    if (*size < sizes.min || *size > sizes.max) {
-        throw Refusal(line.number, "a=crypto: wrong key length for this suite");
-    }
+    refuse_if(*size < sizes.min || *size > sizes.max, line.number,
+              "a=crypto: wrong key length for this suite");
     std::size_t next = 1;
-    if (next < fields.size() && split(fields[next], ":").size() == 1) {
+    const auto is_next = [&](bool has_colon) {
+        return next < fields.size() && (split(fields[next], ":").size() > 1) == has_colon;
+    };
+    if (is_next(false)) {
         key.lifetime = lifetime_of(line, fields[next++]);
     }
-    if (next < fields.size()) {
-        const std::vector<std::string_view> parts = split(fields[next], ":", 2);
-        if (parts.size() == 2) {
-            read_mki(line, parts, key);
-            ++next;
-        }
+    if (is_next(true)) {
+        read_mki(line, split(fields[next++], ":", 2), key);
     }
-    if (next != fields.size()) {
-        throw Refusal(line.number, "a=crypto: unexpected text after a key");
-    }
+    refuse_if(next != fields.size(), line.number, "a=crypto: unexpected text after a key");
     return key;
 }
 
@@ -156,12 +136,9 @@ std::size_t size_before_keys(std::string_view content) {
 // TAG SUITE KEY[;KEY]... [SESSION-PARAMETER]...
 std::unique_ptr<QOVA_Crypto> read_crypto(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() < 3) {
-        throw Refusal(line.number, "a=crypto needs a tag, a suite and a key");
-    }
+    refuse_if(fields.size() < 3, line.number, "a=crypto needs a tag, a suite and a key");
     auto crypto = std::make_unique<QOVA_Crypto>();
-    crypto->tag =
-        static_cast<unsigned>(required_number(line.number, "a=crypto tag", fields[0], 999999999));
+    crypto->tag = required(line.number, "a=crypto tag: expected a number", fields[0], 0, 999999999);
     crypto->algo = suite_of(fields[1]);
     if (crypto->algo != CS_NIL) {
         for (const std::string_view key : split(fields[2], ";")) {
@@ -180,11 +157,8 @@ bool needs_session_parameter(const Line& line) {
 
 std::string crypto_value(const QOVA_Crypto& crypto, const Section& offer) {
     std::string suite = Sdp::CryptoParser::enumToAlgo(crypto.algo);
-    for (const Line& line : offer) {
-        if (!same(line.name, "crypto")) {
-            continue;
-        }
-        const std::vector<std::string_view> fields = tokens(line.value);
+    for (const Line* const line : attributes(offer, "crypto")) {
+        const std::vector<std::string_view> fields = tokens(line->value);
         if (fields.size() > 2 && suite_of(fields[1]) == crypto.algo &&
             number(fields[0], UINT_MAX) == crypto.tag) {
             suite = fields[1];

@@ -5,6 +5,7 @@
 #ifndef QOVA_TOOLS_SDP_DIAGNOSTICS_H
 #define QOVA_TOOLS_SDP_DIAGNOSTICS_H
 
+#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -31,26 +32,40 @@ using Diagnostics = std::vector<Diagnostic>;
 /// Thrown when a description is refused.
 class Refusal : public std::runtime_error {
 public:
-    /// @param given_line the line that is wrong, counted from 1; 0 is the whole description
-    /// @param message the reason
     Refusal(std::size_t given_line, const std::string& message)
         : std::runtime_error(message), line(given_line) {}
 
     std::size_t line;  ///< Counted from 1; 0 is the whole description.
 };
 
-/// Returns "NAME:LINE", or "NAME" if the line is 0.
-std::string place(const std::string& name, std::size_t line);
+/// Throws a Refusal if `is_wrong` is true.
+inline void refuse_if(bool is_wrong, std::size_t line, const char* message) {
+    if (is_wrong) {
+        throw Refusal(line, message);
+    }
+}
+
+/// Returns "NAME:LINE", or "NAME" if the line is 0. NAME is the file or message that holds the
+/// description after `lines_before` other lines.
+inline std::string place(const std::string& name, std::size_t line, std::size_t lines_before = 0) {
+    return line == 0 ? name : name + ":" + std::to_string(lines_before + line);
+}
 
 /// Returns "NAME:LINE: warning: MESSAGE" or "NAME:LINE: rejected: MESSAGE", without a newline.
-/// @param diagnostic what to print
-/// @param name the file or message that holds the description
-/// @param lines_before the number of lines before the description in that file
-std::string printed(const Diagnostic& diagnostic, const std::string& name,
-                    std::size_t lines_before = 0);
+/// NAME and LINE are those of place().
+inline std::string printed(const Diagnostic& diagnostic, const std::string& name,
+                           std::size_t lines_before = 0) {
+    return place(name, diagnostic.line, lines_before) +
+           (diagnostic.severity == Severity::WARNING ? ": warning: " : ": rejected: ") +
+           diagnostic.message;
+}
 
 /// Sorts by line; diagnostics of the same line keep their order.
-void sort(Diagnostics& diagnostics);
+inline void sort(Diagnostics& diagnostics) {
+    std::stable_sort(
+        diagnostics.begin(), diagnostics.end(),
+        [](const Diagnostic& left, const Diagnostic& right) { return left.line < right.line; });
+}
 
 /// Calls a function and turns a Refusal, or another Reason derived from it, into a warning. Returns
 /// false if there was one.

@@ -8,14 +8,14 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 // Stores the value if the parameter has this name.
 template <class Member>
 void take(const Parameter& parameter, const char* name, Member& member, unsigned long long max) {
     if (same(parameter.name, name)) {
-        member = static_cast<Member>(required_number(parameter.line, name, parameter.value, max));
+        member = required<Member>(parameter.line, name + std::string(": expected a number"),
+                                  parameter.value, 0, max);
     }
 }
 
@@ -39,38 +39,33 @@ void take(const Parameter& parameter, const char* name, Member& member,
     throw Refusal(parameter.line, name + (": expected " + expected));
 }
 
-Fmtp fmtp_of(const Line& line) {
+void append_parameters(const Line& line, std::vector<Parameter>& parameters) {
     const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-    Fmtp fmtp = {required_payload_type(line.number, "a=fmtp", fields[0]), {}};
-    if (fields.size() != 2) {
-        throw Refusal(line.number, "a=fmtp: the parameters are missing");
-    }
+    const unsigned payload =
+        required(line.number, "a=fmtp: expected a payload type", fields[0], 0, max_payload_type);
+    refuse_if(fields.size() != 2, line.number, "a=fmtp: the parameters are missing");
     for (const std::string_view parameter : split(fields[1], ";")) {
         std::vector<std::string_view> parts = split(parameter, "=", 2);
         parts.resize(2);
-        fmtp.parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1])});
+        parameters.push_back({line.number, trimmed(parts[0]), trimmed(parts[1]), payload});
     }
-    return fmtp;
 }
 
 }  // namespace
 
-std::vector<Fmtp> fmtps_of(const Section& section, Diagnostics& warnings) {
-    std::vector<Fmtp> found;
-    for (const Line& line : section) {
-        if (same(line.name, "fmtp")) {
-            warn_of_refusal(warnings, [&] { found.push_back(fmtp_of(line)); });
-        }
+std::vector<Parameter> parameters_of(const Section& section, Diagnostics& warnings) {
+    std::vector<Parameter> found;
+    for (const Line* const line : attributes(section, "fmtp")) {
+        warn_of_refusal(warnings, [&] { append_parameters(*line, found); });
     }
     return found;
 }
 
 void check_separator(const Parameter& parameter) {
     const std::size_t blank = parameter.value.find_first_of(blanks);
-    if (blank != std::string_view::npos &&
-        parameter.value.find('=', blank) != std::string_view::npos) {
-        throw Refusal(parameter.line, "a=fmtp: expected a semicolon between two parameters");
-    }
+    refuse_if(blank != std::string_view::npos &&
+                  parameter.value.find('=', blank) != std::string_view::npos,
+              parameter.line, "a=fmtp: expected a semicolon between two parameters");
 }
 
 void read_amrwb(const Parameter& parameter, Sdp::Sdp_Amrwb_Param& amrwb) {
@@ -78,7 +73,7 @@ void read_amrwb(const Parameter& parameter, Sdp::Sdp_Amrwb_Param& amrwb) {
         std::list<int> modes;
         for (const std::string_view mode : split(parameter.value, ",")) {
             modes.push_back(
-                static_cast<int>(required_number(parameter.line, "mode-set", trimmed(mode), 8)));
+                required<int>(parameter.line, "mode-set: expected a number", trimmed(mode), 0, 8));
         }
         amrwb.modeSet = modes;
     }

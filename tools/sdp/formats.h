@@ -17,16 +17,11 @@ struct Parameter {
     std::size_t line;
     std::string_view name;
     std::string_view value;
-};
-
-// An a=fmtp line.
-struct Fmtp {
-    unsigned payload;
-    std::vector<Parameter> parameters;
+    unsigned payload = 0;  // the payload type of an a=fmtp line
 };
 
 // Parses the a=fmtp lines of a section. Those that cannot be parsed get a warning.
-std::vector<Fmtp> fmtps_of(const Section& section, Diagnostics& warnings);
+std::vector<Parameter> parameters_of(const Section& section, Diagnostics& warnings);
 
 // Throws Refusal if blanks instead of a semicolon separate a parameter from the next.
 void check_separator(const Parameter& parameter);

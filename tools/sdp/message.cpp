@@ -16,7 +16,6 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 constexpr int max_depth = 8;  // of bodies inside bodies
@@ -56,12 +55,10 @@ struct Content {
 };
 
 Content content_of(const std::string& head) {
-    struct Destroy {
-        void operator()(msg_t* message) const { msg_destroy(message); }
-    };
     Content content;
-    const std::unique_ptr<msg_t, Destroy> message(
-        msg_make(sip_default_mclass(), 0, head.data(), static_cast<ssize_t>(head.size())));
+    const std::unique_ptr<msg_t, void (*)(msg_t*)> message(
+        msg_make(sip_default_mclass(), 0, head.data(), static_cast<ssize_t>(head.size())),
+        msg_destroy);
     const sip_t* const sip = message ? sip_object(message.get()) : nullptr;
     if (sip == nullptr) {
         return content;
@@ -144,9 +141,7 @@ Found find_description(const std::string& text) {
         // Without the body: if Content-Length is too large, the parser returns no body.
         const std::string_view head = head_of(text);
         content = content_of(std::string(head));
-        if (!content.is_of_message) {
-            throw Refusal(1, "cannot parse the SIP message");
-        }
+        refuse_if(!content.is_of_message, 1, "cannot parse the SIP message");
         body.remove_prefix(head.size());
         const std::string_view whole = body.substr(0, content.length.value_or(body.size()));
         // More text can follow the body. A length that cuts a line is wrong.
@@ -155,9 +150,7 @@ Found find_description(const std::string& text) {
         return {text};
     }
     const auto part = find_in(content, body, 0);
-    if (!part) {
-        throw Refusal(0, "no body of type application/sdp");
-    }
+    refuse_if(!part, 0, "no body of type application/sdp");
     const auto at = static_cast<std::size_t>(part->data() - text.data());
     return {std::string(*part), count_lines(std::string_view(text).substr(0, at)), true};
 }

@@ -8,54 +8,46 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 // The reader decides about missing addresses and about directions.
 constexpr int parser_flags = sdp_f_c_missing | sdp_f_mode_manual;
 
-struct FreeParser {
-    void operator()(sdp_parser_t* parser) const { sdp_parser_free(parser); }
-};
-using Parser = std::unique_ptr<sdp_parser_t, FreeParser>;
+using Parser = std::unique_ptr<sdp_parser_t, void (*)(sdp_parser_t*)>;
 
 Parser parse_text(std::string_view text, int flags = parser_flags) {
-    return Parser(sdp_parse(nullptr, text.data(), static_cast<issize_t>(text.size()), flags));
+    return {sdp_parse(nullptr, text.data(), static_cast<issize_t>(text.size()), flags),
+            sdp_parser_free};
 }
 
 std::string refusal_of(const Line& line) {
     return std::string("the SDP parser refuses this ") + line.type + "= line";
 }
 
-// --- Lines that are ignored ---------------------------------------------------------------------
-
 using Lines = std::set<const Line*>;
 
 // a=rtpmap:<payload type> <name>/<clock rate>[/<parameters>]
 void check_rtpmap(const Line& line) {
     const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-    required_payload_type(line.number, "a=rtpmap", fields[0]);
-    if (fields.size() != 2) {
-        throw Refusal(line.number, "a=rtpmap: the encoding name is missing");
-    }
+    required(line.number, "a=rtpmap: expected a payload type", fields[0], 0, max_payload_type);
+    refuse_if(fields.size() != 2, line.number, "a=rtpmap: the encoding name is missing");
     const std::vector<std::string_view> parts = split(fields[1], "/", 3);
     const std::vector<std::string_view> rate =
         tokens(parts.size() == 1 ? std::string_view() : parts[1]);
-    if (rate.empty()) {
-        throw Refusal(line.number, "a=rtpmap: the clock rate is missing");
-    }
-    required_number(line.number, "a=rtpmap clock rate", rate[0], UINT_MAX);
+    refuse_if(rate.empty(), line.number, "a=rtpmap: the clock rate is missing");
+    required(line.number, "a=rtpmap clock rate: expected a number", rate[0], 0, UINT_MAX);
 }
 
 // Throws Refusal if the parser refuses a line without the others around it.
-void check_alone(const Line& line, std::string_view content, bool in_media) {
+void check_alone(const Line& line, bool in_media) {
     std::string text = "v=0\r\no=- 1 1 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n";
     text += in_media ? "m=audio 9 RTP/AVP 0\r\n" : "";
-    text.append(content).append("\r\n");
+    text.append(trimmed(line.text)).append("\r\n");
     if (sdp_session(parse_text(text).get()) == nullptr) {
         throw Refusal(line.number, refusal_of(line));
     }
@@ -75,16 +67,9 @@ void ignore(const Description& description, Parsed& parsed, Lines& ignored, Chec
     }
 }
 
-// --- The text for the parser --------------------------------------------------------------------
-
-struct LineEnd {
-    const Line* line;
-    std::size_t size;  // of the text up to and including the line
-};
-
 struct Input {
     std::string text;
-    std::vector<LineEnd> ends;
+    std::vector<std::pair<const Line*, std::size_t>> ends;  // each line, and where its text ends
 };
 
 // The text for the parser has no blank lines, because the parser stops at them without an error,
@@ -108,7 +93,7 @@ Input parser_input(const Description& description, const Lines& ignored) {
                     input.text.replace(begin + at, media.transport.size(), "RTP/AVP");
                 }
             }
-            input.ends.push_back({&line, input.text.size()});
+            input.ends.emplace_back(&line, input.text.size());
         }
     }
     return input;
@@ -117,15 +102,13 @@ Input parser_input(const Description& description, const Lines& ignored) {
 // The parser does not name the line: it is the last one of the shortest text that is refused.
 [[noreturn]] void refuse(const Input& input) {
     const auto refused =
-        std::partition_point(input.ends.begin(), input.ends.end(), [&input](const LineEnd& end) {
-            const Parser part = parse_text(std::string_view(input.text).substr(0, end.size),
+        std::partition_point(input.ends.begin(), input.ends.end(), [&input](const auto& end) {
+            const Parser part = parse_text(std::string_view(input.text).substr(0, end.second),
                                            parser_flags | sdp_f_insane);
             return sdp_session(part.get()) != nullptr;
         });
-    if (refused == input.ends.end()) {
-        throw Refusal(0, "the SDP parser refuses the description");
-    }
-    const Line& line = *refused->line;
+    refuse_if(refused == input.ends.end(), 0, "the SDP parser refuses the description");
+    const Line& line = *refused->first;
     const std::size_t fields = tokens(line.value).size();
     if (line.type == 'o' && fields != 6) {
         throw Refusal(line.number, "o= needs six fields and has " + std::to_string(fields));
@@ -135,8 +118,6 @@ Input parser_input(const Description& description, const Lines& ignored) {
     }
     throw Refusal(line.number, refusal_of(line));
 }
-
-// --- From sofia-sip's types ----------------------------------------------------------------------
 
 std::string text_of(const char* text) {
     return text == nullptr ? "" : text;
@@ -171,7 +152,7 @@ Parsed parse(const Description& description) {
         ignore(description, parsed, ignored, [&](const Line& line, const Section& section) {
             // The model needs the other types of lines, or the parser accepts any such line.
             if (std::string_view("abkrtz").find(line.type) != std::string_view::npos) {
-                check_alone(line, trimmed(line.text), section.front().type == 'm');
+                check_alone(line, section.front().type == 'm');
             }
         });
         const Input input = parser_input(description, ignored);
@@ -187,9 +168,8 @@ Parsed parse(const Description& description) {
     for (auto section = description.sections.begin() + 1; section != description.sections.end();
          ++section, media = media->m_next) {
         const Line& line = section->front();
-        if (media == nullptr || media->m_port != media_line(line).port) {
-            throw Refusal(line.number, "the SDP parser disagrees about this line");
-        }
+        refuse_if(media == nullptr || media->m_port != media_line(line).port, line.number,
+                  "the SDP parser disagrees about this line");
         const unsigned mode = sdp_attribute_mode(media->m_attributes, session_mode);
         parsed.media.push_back(
             {(mode & sdp_sendonly) != 0, (mode & sdp_recvonly) != 0, payloads_of(*media)});

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "qova/media.h"
+#include "qova/capability.h"
 #include "socket/address.h"
 
 namespace sdp {
@@ -17,7 +17,13 @@ namespace sdp {
 class MediaAddress {
 public:
     /// Returns nullopt if the text is not such an address.
-    static std::optional<MediaAddress> parse(const std::string& text);
+    static std::optional<MediaAddress> parse(const std::string& text) {
+        IPAddress address;
+        if (!IPAddress::Parse(text, address) || address.IsMulticast() || address.IsAny() != 0) {
+            return std::nullopt;
+        }
+        return MediaAddress(address, text);
+    }
 
     const IPAddress& ip() const { return address; }       ///< The address.
     const std::string& text() const { return spelling; }  ///< The address as it was spelled.
@@ -39,10 +45,16 @@ struct Plan {
 
 /// Returns what a plan adds to the local ports of audio or fax; 0 for other media, whose ports
 /// stay.
-int port_shift(const Plan& plan, QOVA_Media::e_MediaType type);
+inline int port_shift(const Plan& plan, QOVA_Media::e_MediaType type) {
+    return type == QOVA_Media::MT_AUDIO ? plan.audio_port - QOVA_Capability::AUDIO_PORT_BASE
+           : type == QOVA_Media::MT_FAX ? plan.fax_port - QOVA_Capability::FAX_PORT_BASE
+                                        : 0;
+}
 
 /// Returns true for a port from 1 to 65535.
-bool is_port(int port);
+constexpr bool is_port(int port) {
+    return port >= 1 && port <= 65535;
+}
 
 }  // namespace sdp
 

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "qova/attributes.h"
-#include "qova/media.h"
 #include "qova/ownership.h"
 #include "sdp/audio.h"
 #include "sdp/crypto.h"
@@ -17,33 +16,21 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 // Returns true for "on" and false for "off", the first value of a=silenceSupp (RFC 3108). The last
 // line counts.
 std::optional<bool> silence_suppression(const Section& section) {
-    std::optional<bool> found;
-    for (const Line& line : section) {
-        if (same(line.name, "silenceSupp")) {
-            const std::string_view value = split(line.value, blanks).front();
-            const bool is_on = same(value, "on");
-            found.reset();
-            if (is_on || same(value, "off")) {
-                found = is_on;
-            }
-        }
-    }
-    return found;
+    const std::vector<const Line*> lines = attributes(section, "silenceSupp");
+    const std::string_view value = lines.empty() ? "" : split(lines.back()->value, blanks).front();
+    const bool is_on = same(value, "on");
+    return is_on || same(value, "off") ? std::optional(is_on) : std::nullopt;
 }
 
-// --- Fax, video, data ---------------------------------------------------------------------------
-
 QOVA_FaxTransport fax_transport(std::string_view transport) {
-    if (ends_in(transport, "udptl")) {
-        return FT_T38_UDPTL;
-    }
-    return same(transport, "tcp") || same(transport, "tcptl") ? FT_T38_TCP : FT_NIL;
+    return ends_in(transport, "udptl")                          ? FT_T38_UDPTL
+           : same(transport, "tcp") || same(transport, "tcptl") ? FT_T38_TCP
+                                                                : FT_NIL;
 }
 
 void read_fax(std::string_view transport, const Section& section, QOVA_Media& media,
@@ -56,7 +43,7 @@ void read_fax(std::string_view transport, const Section& section, QOVA_Media& me
 }
 
 void read_video(const ReadLine& line, const Section& section, Diagnostics& warnings) {
-    fmtps_of(section, warnings);
+    parameters_of(section, warnings);
     for (std::size_t i = line.payloads.size(); i != 0; --i) {
         qova::append<QOVA_VideoAttribute>(line.media->attributes);
     }
@@ -71,8 +58,6 @@ void read_data(const ReadLine& line) {
         qova::append<QOVA_DataAttribute>(line.media->attributes);
     }
 }
-
-// --- Media --------------------------------------------------------------------------------------
 
 QOVA_Media::e_MediaType type_of(const MediaLine& line) {
     const auto is = [&line](std::string_view type) { return same(line.type, type); };
@@ -92,39 +77,34 @@ void read_ports(const MediaLine& media_line, const Section& section, QOVA_Media&
     if (media_line.port == 0) {
         return;
     }
-    std::optional<unsigned short> rtcp_port;
-    for (const Line& attribute : section) {
-        if (same(attribute.name, "rtcp")) {
-            warn_of_refusal(warnings, [&] {
-                const bool is_duplicate = rtcp_port.has_value();
-                const unsigned short port = rtcp_line(attribute).port;
-                rtcp_port = rtcp_port.value_or(port);
-                address_of(attribute);
-                if (is_duplicate) {
-                    throw Refusal(attribute.number, "duplicate a=rtcp line");
-                }
-            });
-        }
+    std::optional<unsigned short> second_port;
+    for (const Line* const rtcp : attributes(section, "rtcp")) {
+        warn_of_refusal(warnings, [&] {
+            const bool is_duplicate = second_port.has_value();
+            const unsigned short port = rtcp_port(*rtcp);
+            second_port = second_port.value_or(port);
+            address_of(*rtcp);
+            refuse_if(is_duplicate, rtcp->number, "duplicate a=rtcp line");
+        });
     }
-    if (media_line.port + media_line.more_ports > USHRT_MAX) {
-        throw Refusal(section.front().number, "the ports exceed 65535");
-    }
+    refuse_if(media_line.port + media_line.more_ports > USHRT_MAX, section.front().number,
+              "the ports exceed 65535");
     media.sndPort = media.rcvPort = static_cast<unsigned short>(media_line.port);
     media.sndPort2 = media.rcvPort2 =
-        rtcp_port.value_or(static_cast<unsigned short>(media_line.port + 1));
+        second_port.value_or(static_cast<unsigned short>(media_line.port + 1));
 }
 
 // Throws HostName for a host name, and leaves the address unspecified.
 void read_address(const Line* of_session, const Section& section, QOVA_Media& media) {
     const Line* const own = first_connection(section);
     const Line* const line = own != nullptr ? own : of_session;
-    if (line == nullptr) {
-        if (media.mediaStatus == QOVA_Media::MS_REJECTED) {
-            return;
-        }
-        throw Refusal(section.front().number, "the media line has no address: c= is missing");
+    if (line != nullptr) {
+        qova::replace(media.address,
+                      std::unique_ptr<INetAddress>(address_of(*line)->address.Copy()));
+    } else {
+        refuse_if(media.mediaStatus != QOVA_Media::MS_REJECTED, section.front().number,
+                  "the media line has no address: c= is missing");
     }
-    qova::replace(media.address, std::unique_ptr<INetAddress>(address_of(*line)->address.Copy()));
 }
 
 // What the session says for the lines that do not say it themselves.
@@ -135,16 +115,14 @@ struct SessionDefaults {
 
 void read_cryptos(const Section& section, ReadLine& line, Diagnostics& warnings) {
     QOVA_Media& media = *line.media;
-    for (const Line& attribute : section) {
-        if (same(attribute.name, "crypto")) {
-            warn_of_refusal(warnings, [&] {
-                const QOVA_Crypto& crypto = qova::append(media.cryptos, read_crypto(attribute));
-                ++media.cryptoCount;
-                if (!needs_session_parameter(attribute)) {
-                    line.cryptos.push_back(&crypto);
-                }
-            });
-        }
+    for (const Line* const attribute : attributes(section, "crypto")) {
+        warn_of_refusal(warnings, [&] {
+            const QOVA_Crypto& crypto = qova::append(media.cryptos, read_crypto(*attribute));
+            ++media.cryptoCount;
+            if (!needs_session_parameter(*attribute)) {
+                line.cryptos.push_back(&crypto);
+            }
+        });
     }
 }
 

@@ -32,14 +32,10 @@ struct ReadLine {
     std::string transport;             ///< Such as "RTP/AVP".
     std::vector<std::string> formats;  ///< Such as "8".
     std::vector<Payload> payloads;     ///< Of RTP, in their order; each payload type once.
-
-    /// The line in the capability, which owns it; null if the line is in
-    /// QOVA_Capability::passThrough.
-    QOVA_Media* media = nullptr;
-
-    bool is_rejected = false;         ///< Its port is 0.
-    bool holds = false;               ///< Asks for no media, by its direction or its address.
-    bool suppresses_silence = false;  ///< Has a=silenceSupp:on.
+    QOVA_Media* media = nullptr;       ///< In the capability, borrowed; null if passed through.
+    bool is_rejected = false;          ///< Its port is 0.
+    bool holds = false;                ///< Asks for no media, by its direction or its address.
+    bool suppresses_silence = false;   ///< Has a=silenceSupp:on.
 
     /// The media's cryptos without a mandatory session parameter, borrowed.
     std::vector<const QOVA_Crypto*> cryptos;
@@ -59,9 +55,6 @@ struct Reading {
 ///
 /// Throws Refusal for a description that sofia-sip's parser refuses, for a media line without an
 /// address, and, if `strictness` is STRICT, for the first warning.
-/// @param description the text, which can be freed afterwards
-/// @param role stored in QOVA_Capability::offer
-/// @param strictness what a value does that the model cannot hold
 Reading read(const Description& description, Role role, Strictness strictness);
 
 }  // namespace sdp

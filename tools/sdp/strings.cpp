@@ -5,7 +5,6 @@
 #include <system_error>
 
 namespace sdp {
-
 namespace {
 
 char lower(char c) {

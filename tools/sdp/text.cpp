@@ -8,11 +8,8 @@
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
-constexpr unsigned long long max_port = 65535;
-constexpr unsigned max_payload_type = 127;
 constexpr std::size_t max_formats = 128;  // as many as RTP has payload types
 
 // Returns true if all characters are token characters (RFC 4566) or in `others`.
@@ -27,16 +24,12 @@ bool consists_of_tokens(std::string_view text, std::string_view others) {
 
 Line make_line(std::size_t number, std::string_view text, std::string_view ending) {
     const std::string_view content = trimmed(text);
-    if (content.find('\0') != std::string_view::npos) {
-        throw Refusal(number, "the line contains a NUL byte");
-    }
-    if (content.size() < 2 || content[1] != '=') {
-        throw Refusal(number, "expected a line of the form x=value");
-    }
+    refuse_if(content.find('\0') != std::string_view::npos, number, "the line contains a NUL byte");
+    refuse_if(content.size() < 2 || content[1] != '=', number,
+              "expected a line of the form x=value");
     Line line{number, text, ending, content[0], {}, trimmed(content.substr(2))};
-    if (std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos) {
-        throw Refusal(number, "unknown type of line");
-    }
+    refuse_if(std::string_view("vosiuepcbtrzkam").find(line.type) == std::string_view::npos, number,
+              "unknown type of line");
     if (line.type == 'a') {
         std::vector<std::string_view> parts = split(line.value, ":", 2);
         parts.resize(2);
@@ -53,29 +46,17 @@ void check_order(const std::vector<Section>& sections) {
     for (const Section& section : sections) {
         for (const Line& line : section) {
             const bool in_session = &section == &sections.front();
-            if (line.type == 'v' && &line != &sections.front().front()) {
-                throw Refusal(line.number, "a second description starts here");
-            }
-            if (line.type == 'o' && (has_origin || !in_session)) {
-                throw Refusal(line.number, "o= is allowed once, before the media lines");
-            }
-            if (line.type == 'c' && in_session && has_connection) {
-                throw Refusal(line.number, "the session has a second c= line");
-            }
+            refuse_if(line.type == 'v' && &line != &sections.front().front(), line.number,
+                      "a second description starts here");
+            refuse_if(line.type == 'o' && (has_origin || !in_session), line.number,
+                      "o= is allowed once, before the media lines");
+            refuse_if(line.type == 'c' && in_session && has_connection, line.number,
+                      "the session has a second c= line");
             has_origin = has_origin || line.type == 'o';
             has_connection = has_connection || (line.type == 'c' && in_session);
         }
     }
-    if (!has_origin) {
-        throw Refusal(sections.front().front().number, "the o= line is missing");
-    }
-}
-
-// Returns the first line for which a test holds, or null.
-template <class Test>
-const Line* find(const Section& section, Test test) {
-    const auto found = std::find_if(section.begin(), section.end(), test);
-    return found == section.end() ? nullptr : &*found;
+    refuse_if(!has_origin, sections.front().front().number, "the o= line is missing");
 }
 
 // A last label of digits would be part of an IPv4 address.
@@ -93,29 +74,8 @@ bool is_host_name(std::string_view text) {
 
 }  // namespace
 
-unsigned long long required_number(std::size_t line, const std::string& what,
-                                   std::string_view digits, unsigned long long max) {
-    const auto value = number(digits, max);
-    if (!value) {
-        throw Refusal(line, what + ": expected a number from 0 to " + std::to_string(max));
-    }
-    return *value;
-}
-
-unsigned required_payload_type(std::size_t line, const std::string& what, std::string_view digits) {
-    const auto value = number(digits, max_payload_type);
-    if (!value) {
-        throw Refusal(line, what + ": expected a payload type from 0 to 127");
-    }
-    return static_cast<unsigned>(*value);
-}
-
-HostName::HostName(std::size_t given_line) : Refusal(given_line, "host names are not resolved") {}
-
 Description::Description(const std::string& whole) : text(whole), sections(1) {
-    if (text.substr(0, 3) == "\xef\xbb\xbf") {
-        throw Refusal(1, "unexpected byte-order mark before v=");
-    }
+    refuse_if(text.substr(0, 3) == "\xef\xbb\xbf", 1, "unexpected byte-order mark before v=");
     std::string_view rest = text;
     for (std::size_t number = 1; !rest.empty(); ++number) {
         const std::string_view content = first_line(rest);
@@ -125,35 +85,42 @@ Description::Description(const std::string& whole) : text(whole), sections(1) {
         if (trimmed(content).empty()) {
             continue;
         }
-        if (sections.front().empty() && trimmed(content) != "v=0") {
-            throw Refusal(number, "not a session description: the first line is not v=0");
-        }
+        refuse_if(sections.front().empty() && trimmed(content) != "v=0", number,
+                  "not a session description: the first line is not v=0");
         const Line line = make_line(number, content, ending);
         if (line.type == 'm') {
             sections.emplace_back();
         }
         sections.back().push_back(line);
     }
-    if (sections.front().empty()) {
-        throw Refusal(0, "the description is empty");
-    }
+    refuse_if(sections.front().empty(), 0, "the description is empty");
     check_order(sections);
+}
+
+std::vector<const Line*> attributes(const Section& section, std::string_view name) {
+    std::vector<const Line*> found;
+    for (const Line& line : section) {
+        if (same(line.name, name)) {
+            found.push_back(&line);
+        }
+    }
+    return found;
 }
 
 std::size_t Description::line_at(std::size_t offset) const {
     std::size_t found = 1;
     for (const Section& section : sections) {
         for (const Line& line : section) {
-            if (line.text.data() <= text.data() + offset) {
-                found = line.number;
-            }
+            found = line.text.data() <= text.data() + offset ? line.number : found;
         }
     }
     return found;
 }
 
 const Line* first_connection(const Section& section) {
-    return find(section, [](const Line& line) { return line.type == 'c'; });
+    const auto found = std::find_if(section.begin(), section.end(),
+                                    [](const Line& line) { return line.type == 'c'; });
+    return found == section.end() ? nullptr : &*found;
 }
 
 bool ends_in(std::string_view transport, std::string_view last) {
@@ -166,43 +133,30 @@ bool ends_in(std::string_view transport, std::string_view last) {
 
 MediaLine media_line(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.size() < 3) {
-        throw Refusal(line.number, "m= needs a media type, a port, a transport and formats");
-    }
-    // At other characters the parser can loop until memory runs out.
-    if (!consists_of_tokens(fields[0], "") || !consists_of_tokens(fields[2], "/") ||
-        !std::all_of(fields.begin() + 3, fields.end(),
-                     [](std::string_view format) { return consists_of_tokens(format, ""); })) {
-        throw Refusal(line.number,
-                      "invalid character in the media type, the transport or a format");
+    refuse_if(fields.size() < 3, line.number,
+              "m= needs a media type, a port, a transport and formats");
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        // At other characters the parser can loop until memory runs out.
+        refuse_if(i != 1 && !consists_of_tokens(fields[i], i == 2 ? "/" : ""), line.number,
+                  "invalid character in the media type, the transport or a format");
     }
     MediaLine media;
     media.type = fields[0];
     const std::vector<std::string_view> ports = split(fields[1], "/", 2);
     media.port_digits = ports[0];
-    const auto port = number(media.port_digits, max_port);
-    if (!port) {
-        throw Refusal(line.number, "m=: expected a port from 0 to 65535");
-    }
-    media.port = static_cast<unsigned long>(*port);
-    const auto count = number(ports.size() == 2 ? ports[1] : "1", max_port);
-    if (!count || *count == 0) {
-        throw Refusal(line.number, "m=: expected a number of ports from 1 to 65535");
-    }
+    media.port = required(line.number, "m=: expected a port", media.port_digits, 0, max_port);
+    const auto count = required(line.number, "m=: expected a number of ports",
+                                ports.size() == 2 ? ports[1] : "1", 1, max_port);
     media.transport = fields[2];
     media.is_rtp = ends_in(media.transport, "RTP/AVP") || ends_in(media.transport, "RTP/AVPF") ||
                    ends_in(media.transport, "RTP/SAVP") || ends_in(media.transport, "RTP/SAVPF");
-    media.more_ports =
-        static_cast<unsigned long>(media.is_rtp && *count > 1 ? 2 * *count : *count) - 1;
+    media.more_ports = (media.is_rtp && count > 1 ? 2 * count : count) - 1;
     media.formats.assign(fields.begin() + 3, fields.end());
-    if (media.is_rtp && std::any_of(media.formats.begin(), media.formats.end(), [](auto format) {
-            return number(format, ULLONG_MAX).value_or(0) > max_payload_type;
-        })) {
-        throw Refusal(line.number, "m=: expected payload types from 0 to 127");
+    for (const std::string_view format : media.formats) {
+        refuse_if(media.is_rtp && number(format, ULLONG_MAX).value_or(0) > max_payload_type,
+                  line.number, "m=: expected payload types from 0 to 127");
     }
-    if (media.formats.size() > max_formats) {
-        throw Refusal(line.number, "m= has more than 128 formats");
-    }
+    refuse_if(media.formats.size() > max_formats, line.number, "m= has more than 128 formats");
     return media;
 }
 
@@ -212,12 +166,10 @@ std::optional<AddressField> address_of(const Line& line) {
     if (line.type == 'a' && fields.size() == 1) {
         return std::nullopt;
     }
-    if (line.type == 'o' ? fields.size() < 6 : fields.size() != first + 3) {
-        throw Refusal(line.number, line.type == 'o' ? "o= needs six fields"
-                                   : line.type == 'c'
-                                       ? "c= needs a network type, an address type and an address"
-                                       : "a=rtcp needs a port, or a port and an address");
-    }
+    refuse_if(line.type == 'o' ? fields.size() < 6 : fields.size() != first + 3, line.number,
+              line.type == 'o'   ? "o= needs six fields"
+              : line.type == 'c' ? "c= needs a network type, an address type and an address"
+                                 : "a=rtcp needs a port, or a port and an address");
     AddressField field;
     field.line = line.number;
     field.label = fields[first + 1];
@@ -225,42 +177,31 @@ std::optional<AddressField> address_of(const Line& line) {
     field.text = parts[0];
     field.suffix = parts.size() == 2;
     const bool is_v6 = same(field.label, "IP6");
-    if (!same(fields[first], "IN") || (!is_v6 && !same(field.label, "IP4"))) {
-        throw Refusal(line.number, "expected an address of type IN IP4 or IN IP6");
-    }
+    refuse_if(!same(fields[first], "IN") || (!is_v6 && !same(field.label, "IP4")), line.number,
+              "expected an address of type IN IP4 or IN IP6");
     if (!IPAddress::Parse(std::string(field.text), field.address)) {
-        if (is_host_name(field.text)) {
-            throw HostName(line.number);
-        }
-        throw Refusal(line.number, "expected an IP address or a host name");
+        refuse_if(!is_host_name(field.text), line.number, "expected an IP address or a host name");
+        throw HostName(line.number);
     }
-    if ((field.address.Family() == AF_INET6) != is_v6) {
-        throw Refusal(line.number, "the address does not match its type, IP4 or IP6");
-    }
+    refuse_if((field.address.Family() == AF_INET6) != is_v6, line.number,
+              "the address does not match its type, IP4 or IP6");
     return field;
 }
 
-RtcpLine rtcp_line(const Line& line) {
+unsigned short rtcp_port(const Line& line) {
     const std::vector<std::string_view> fields = tokens(line.value);
-    if (fields.empty()) {
-        throw Refusal(line.number, "a=rtcp needs a port");
-    }
-    RtcpLine rtcp;
-    rtcp.port_digits = fields[0];
-    const auto port = number(rtcp.port_digits, max_port);
-    if (!port || *port == 0) {
-        throw Refusal(line.number, "a=rtcp: expected a port from 1 to 65535");
-    }
-    rtcp.port = static_cast<unsigned short>(*port);
-    return rtcp;
+    refuse_if(fields.empty(), line.number, "a=rtcp needs a port");
+    return required<unsigned short>(line.number, "a=rtcp: expected a port", fields[0], 1, max_port);
 }
 
 const Line* rtcp_of(const Section& section) {
-    return find(section, [](const Line& line) {
-        const std::vector<std::string_view> fields = tokens(line.value);
-        return same(line.name, "rtcp") && !fields.empty() &&
-               number(fields[0], max_port).value_or(0) != 0;
-    });
+    for (const Line* const line : attributes(section, "rtcp")) {
+        const std::vector<std::string_view> fields = tokens(line->value);
+        if (!fields.empty() && number(fields[0], max_port).value_or(0) != 0) {
+            return line;
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace sdp

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "sdp/diagnostics.h"
+#include "sdp/strings.h"
 #include "socket/address.h"
 
 namespace sdp {
@@ -35,9 +36,9 @@ using Section = std::vector<Line>;
 /// A description, split into lines.
 class Description {
 public:
-    /// Splits a text at LF, CR LF or CR. Throws Refusal if it is not one description: if it does
-    /// not start with v=0, or has a line that is not of the form x=value, or a repeated o= or c=.
-    /// @param whole the text, borrowed
+    /// Splits a borrowed text at LF, CR LF or CR. Throws Refusal if it is not one description: if
+    /// it does not start with v=0, or has a line that is not of the form x=value, or a repeated o=
+    /// or c=.
     explicit Description(const std::string& whole);
 
     std::string_view text;          ///< The whole text.
@@ -46,6 +47,9 @@ public:
     /// Returns the number of the line that has an offset. Linear in the number of lines.
     std::size_t line_at(std::size_t offset) const;
 };
+
+/// Returns the attributes of a section with a given name.
+std::vector<const Line*> attributes(const Section& section, std::string_view name);
 
 /// Returns the first c= line of a section, or null.
 const Line* first_connection(const Section& section);
@@ -79,22 +83,16 @@ struct AddressField {
 /// A Refusal of an address because it is a host name.
 class HostName : public Refusal {
 public:
-    /// @param given_line the line that has the address
-    explicit HostName(std::size_t given_line);
+    explicit HostName(std::size_t given_line)
+        : Refusal(given_line, "host names are not resolved") {}
 };
 
 /// Returns the address of a c=, o= or a=rtcp line; nullopt for an a=rtcp line with only a port.
 /// Throws HostName, or Refusal if there is no address.
 std::optional<AddressField> address_of(const Line& line);
 
-/// a=rtcp:PORT [IN IP4 ADDRESS] (RFC 3605).
-struct RtcpLine {
-    std::string_view port_digits;  ///< The port in the text.
-    unsigned short port = 0;       ///< 1 to 65535.
-};
-
-/// Parses the port of an a=rtcp line. Throws Refusal.
-RtcpLine rtcp_line(const Line& line);
+/// Returns the port, 1 to 65535, of a=rtcp:PORT [IN IP4 ADDRESS] (RFC 3605). Throws Refusal.
+unsigned short rtcp_port(const Line& line);
 
 /// Returns the a=rtcp line of a section that counts, the first with a port; or null.
 const Line* rtcp_of(const Section& section);
@@ -114,12 +112,21 @@ struct Origin {
     std::uint64_t version;  ///< Rises when the description changes.
 };
 
-/// Parses a decimal number. Throws Refusal, which starts with `what`.
-unsigned long long required_number(std::size_t line, const std::string& what,
-                                   std::string_view digits, unsigned long long max);
+constexpr unsigned max_port = 65535;        ///< The last port.
+constexpr unsigned max_payload_type = 127;  ///< The last payload type of RTP.
 
-/// Parses a payload type, 0 to 127. Throws Refusal, which starts with `what`.
-unsigned required_payload_type(std::size_t line, const std::string& what, std::string_view digits);
+/// Parses a decimal number from `min` to `max`. Throws Refusal, which starts with `expected`, such
+/// as "m=: expected a port".
+template <class Number = unsigned>
+Number required(std::size_t line, const std::string& expected, std::string_view digits,
+                unsigned long long min, unsigned long long max) {
+    const auto value = number(digits, max);
+    if (!value || *value < min) {
+        throw Refusal(line,
+                      expected + " from " + std::to_string(min) + " to " + std::to_string(max));
+    }
+    return static_cast<Number>(*value);
+}
 
 }  // namespace sdp
 

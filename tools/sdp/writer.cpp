@@ -4,13 +4,11 @@
 #include <string_view>
 
 #include "qova/crypto.h"
-#include "qova/media.h"
 #include "sdp/audio.h"
 #include "sdp/crypto.h"
 #include "sdp/strings.h"
 
 namespace sdp {
-
 namespace {
 
 // Appends "TYPE=VALUE" as a line.
@@ -64,12 +62,9 @@ void append_payload(std::string& text, const Section& section, const Payload& pa
                         (payload.parameters.empty() ? "" : "/") + payload.parameters);
     }
     std::string parameters;
-    for (const Line& line : section) {
-        if (!same(line.name, "fmtp")) {
-            continue;
-        }
-        const std::vector<std::string_view> fields = split(line.value, blanks, 2);
-        if (fields.size() == 2 && number(fields[0], 127) == payload.type) {
+    for (const Line* const line : attributes(section, "fmtp")) {
+        const std::vector<std::string_view> fields = split(line->value, blanks, 2);
+        if (fields.size() == 2 && number(fields[0], max_payload_type) == payload.type) {
             parameters.append(parameters.empty() ? "" : is_tone_event(payload) ? "," : ";");
             parameters.append(trimmed(fields[1]));
         }

@@ -24,13 +24,9 @@ std::string rejected_line(const ReadLine& line);
 /// a=silenceSupp and the attributes of T.38. Its ports, direction and key are the answer's. A
 /// rejected line keeps its type, its transport and one format. The session keeps its times and
 /// a=silenceSupp. Nothing else is copied, because it would promise what the answer does not keep.
-/// @param offer the text of the offer
-/// @param reading what read() returned for the offer
-/// @param answer the media lines of the answer, with the ports that are written: one for each
-///        QOVA_Media of the offer, in the same order
-/// @param payloads the accepted payload types of each line of the reading
-/// @param address the address in c= and o=
-/// @param origin the session and version in o=
+///
+/// `answer` has one media for each of the offer, in their order, with the ports that are written;
+/// `payloads` has the accepted payload types of each line of the reading.
 std::string write(const Description& offer, const Reading& reading, const QOVA_Capability& answer,
                   const std::vector<std::vector<unsigned>>& payloads, const IPAddress& address,
                   const Origin& origin);

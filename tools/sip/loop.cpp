@@ -21,7 +21,6 @@
 #include "sip/server.h"
 
 namespace sip {
-
 namespace {
 
 constexpr char methods[] = "INVITE, ACK, BYE, CANCEL, OPTIONS, UPDATE";

@@ -11,7 +11,6 @@
 #include "sdp/strings.h"
 
 namespace sip {
-
 namespace {
 
 constexpr char sdp_type[] = "application/sdp";
@@ -156,9 +155,7 @@ void Server::take_ack(Call& call, const sip_t& sip) {
         return;
     }
     try {
-        if (!has_description(sip)) {
-            throw sdp::Refusal(0, "no answer to our offer");
-        }
+        sdp::refuse_if(!has_description(sip), 0, "no answer to our offer");
         log(call, timed([&] { return call.side.take_answer(description_of(sip)); }));
     } catch (const sdp::Refusal& refusal) {
         print_lines(call.name, sdp::place("ACK", refusal.line) + ": hanging up: " + refusal.what());

@@ -76,10 +76,9 @@ CallSide::Draft CallSide::draft(const Description& description, const Reading& r
         result.sent->setPublicAddrPort(UDPAddr(plan->address.ip(), 0), plan->audio_port,
                                        plan->fax_port);
     }
-    const IPAddress& address = (plan ? plan->address : policy.address).ip();
     const auto text = [&] {
-        return write(description, reading, *result.sent, result.answer.payloads, address,
-                     result.origin);
+        return write(description, reading, *result.sent, result.answer.payloads,
+                     (plan ? plan->address : policy.address).ip(), result.origin);
     };
     result.text = text();
     if (!last_sent.empty() && result.text != last_sent) {

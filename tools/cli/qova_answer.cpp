@@ -11,8 +11,7 @@ namespace {
 
 constexpr char name[] = "qova-answer";
 
-// Completes the options with the host that the server listens at.
-void set_local(Options& options) {
+Status run(Options& options) {
     const auto host = sip::host_of(options.listen);
     misuse_if(!host,
               "--listen: invalid URI '" + options.listen + "' (example: " + Options().listen + ")");
@@ -22,10 +21,6 @@ void set_local(Options& options) {
     misuse_if(!options.local, "--listen: the host in '" + options.listen +
                                   "' is not a unicast address (use --local)");
     check_families(options);
-}
-
-Status run(Options& options) {
-    set_local(options);
     sip::Server server({name, options.listen, options.policy(), options.plan(),
                         options.strictness(), options.quiet});
     const std::string uri = server.listen();

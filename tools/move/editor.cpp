@@ -89,7 +89,7 @@ public:
     }
 
     std::string result() {
-        std::stable_sort(edits.begin(), edits.end(), [](const Edit& left, const Edit& right) {
+        std::stable_sort(edits.begin(), edits.end(), [](const auto& left, const auto& right) {
             return left.old.data() < right.old.data();
         });
         return with_edits(description.text, edits);

@@ -62,9 +62,8 @@ inline std::string printed(const Diagnostic& diagnostic, const std::string& name
 
 /// Sorts by line; diagnostics of the same line keep their order.
 inline void sort(Diagnostics& diagnostics) {
-    std::stable_sort(
-        diagnostics.begin(), diagnostics.end(),
-        [](const Diagnostic& left, const Diagnostic& right) { return left.line < right.line; });
+    std::stable_sort(diagnostics.begin(), diagnostics.end(),
+                     [](const auto& left, const auto& right) { return left.line < right.line; });
 }
 
 /// Calls a function and turns a Refusal, or another Reason derived from it, into a warning. Returns

@@ -30,16 +30,13 @@ Result<T> result_of(Call call) {
 }
 
 std::string key_text(const QOVA_CryptoKey& key) {
-    std::string mki;
-    for (unsigned i = 0; i < sizeof key.mki; ++i) {
-        const auto byte = static_cast<unsigned char>(key.mki[i]);
-        mki += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
-    }
     const auto end = std::find_if(std::rbegin(key.key), std::rend(key.key),
                                   [](unsigned char byte) { return byte != 0; });
     return "inline:" + base64(std::string(std::begin(key.key), end.base())) +
            (key.lifetime == 0 ? "" : "|" + std::to_string(key.lifetime)) +
-           (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
+           (key.mkiSize == 0 ? ""
+                             : "|" + hexadecimal({std::begin(key.mki), std::end(key.mki)}) + ":" +
+                                   std::to_string(key.mkiSize));
 }
 
 std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
@@ -48,7 +45,7 @@ std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
     for (const QOVA_CryptoKey& key : crypto.keys) {
         text += " " + key_text(key);
     }
-    return text;
+    return text + "\r\n";
 }
 
 std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
@@ -78,7 +75,7 @@ Result<Read> read(const std::string& text, Role role, Strictness strictness) {
             result.kinds.push_back(line.type + " " + line.transport);
             for (const QOVA_Crypto* const crypto :
                  line.media == nullptr ? std::list<QOVA_Crypto*>() : line.media->cryptos) {
-                result.cryptos.push_back(crypto_text(line, *crypto));
+                result.crypto += crypto_text(line, *crypto);
             }
         }
         return result;
@@ -141,6 +138,16 @@ Result<Answered> answer(const std::string& text, const Side& side, const std::st
 
 bool is_changed(const std::string& before, const std::string& now) {
     return sdp::changed(*capability_of(before), *capability_of(now));
+}
+
+std::string hexadecimal(const std::string& bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += {digits[value / 16], digits[value % 16]};
+    }
+    return text;
 }
 
 std::string base64(const std::string& bytes) {

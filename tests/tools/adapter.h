@@ -38,8 +38,8 @@ Result<sdp::Found> find(const std::string& file);
 struct Read {
     std::string log;
     Diagnostics warnings;
-    std::vector<std::string> kinds;    // the type and the transport of each media line
-    std::vector<std::string> cryptos;  // "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
+    std::vector<std::string> kinds;  // the type and the transport of each media line
+    std::string crypto;              // lines "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
 };
 Result<Read> read(const std::string& text, Role role, Strictness strictness);
 
@@ -71,6 +71,8 @@ Result<Answered> answer(const std::string& text, const Side& side,
 
 // Compares two descriptions as offers. Both must be readable.
 bool is_changed(const std::string& before, const std::string& now);
+
+std::string hexadecimal(const std::string& bytes);
 
 // As in a=crypto, with its padding.
 std::string base64(const std::string& bytes);

@@ -89,14 +89,12 @@ std::vector<std::string> offered_keys(const std::string& text) {
 
 // Searches for the base64 of a key, and for its first bytes in hexadecimal and decimal.
 void check_without_key(const std::string& shown, const std::string& key) {
-    std::string hexadecimal;
+    const std::string bytes = bytes_of(key).substr(0, 8);
     std::string decimal;
-    for (const char byte : bytes_of(key).substr(0, 8)) {
-        const unsigned value = static_cast<unsigned char>(byte);
-        hexadecimal += {"0123456789abcdef"[value / 16], "0123456789abcdef"[value % 16]};
-        decimal += (decimal.empty() ? "" : ", ") + std::to_string(value);
+    for (const char byte : bytes) {
+        decimal += (decimal.empty() ? "" : ", ") + std::to_string(static_cast<unsigned char>(byte));
     }
-    for (const std::string& form : {key.substr(0, searched), hexadecimal, decimal}) {
+    for (const std::string& form : {key.substr(0, searched), hexadecimal(bytes), decimal}) {
         demand(shown.find(form) == std::string::npos, "a key is shown", shown);
     }
 }

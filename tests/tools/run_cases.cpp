@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <map>
@@ -22,31 +21,13 @@
 
 #include "adapter.h"
 #include "case_file.h"
+#include "cli/files.h"
 #include "properties.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using tools::Lines;
-
-std::string read_file(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    if (!(text << in.rdbuf()) && fs::file_size(path) != 0) {
-        throw std::runtime_error("cannot read it");
-    }
-    return text.str();
-}
-
-// Writes all of a file or nothing.
-void write_file(const fs::path& path, const std::string& text) {
-    const fs::path part = path.string() + ".part";
-    std::ofstream(part, std::ios::binary) << text;
-    if (read_file(part) != text) {
-        throw std::runtime_error("cannot write " + part.string());
-    }
-    fs::rename(part, path);
-}
 
 // --- What the tools make of a description --------------------------------------------------------
 
@@ -122,58 +103,36 @@ Lines passed_through(const Run& run) {
     return tools::escaped(log.substr(std::min(log.find('\n', at), log.size() - 1) + 1));
 }
 
-Lines crypto(const Run& run) {
-    Lines lines;
-    for (const std::string& crypto : run.reading().value.cryptos) {
-        lines.push_back(tools::escaped(crypto + "\r\n")[0]);
-    }
-    return lines;
-}
-
-// Calls a function with the value, unless there is a refusal.
-template <class T, class Call>
-Lines unless_refused(const Run& run, const tools::Result<T>& result, Call call) {
-    return result.is_refused() ? Lines{"refused: " + run.shown(result.refusal)[0]}
-                               : call(result.value);
-}
-
 Lines moved(const Run& run) {
-    return unless_refused(run, tools::move(run.text, run.journey), [&run](const sdp::Move& moved) {
-        Lines lines = tools::changes(run.text, moved.text, run.journey.plan.address.text());
-        if (!moved.old_address) {
-            lines.emplace_back("no way back");
-        }
-        return lines;
-    });
-}
-
-Lines answer_text(const Run& run, const tools::Answered& answered) {
-    const sdp::MediaAddress& address =
-        run.side.plan ? run.side.plan->address : run.side.policy.address;
-    Lines lines = tools::escaped(tools::without_head(answered.text, address.text()));
-    std::map<std::size_t, int> counts;
-    for (const std::string& key : answered.keys) {
-        const std::string written = tools::base64(key);
-        const int count = ++counts[key.size()];
-        for (std::string& line : lines) {
-            const std::size_t at = line.find(written);
-            if (at != std::string::npos) {
-                line.replace(at, written.size(),
-                             "$FRESH" + std::to_string(key.size()) +
-                                 (count == 1 ? "" : "." + std::to_string(count)));
-            }
-        }
+    const auto moved = tools::move(run.text, run.journey);
+    if (moved.is_refused()) {
+        return {"refused: " + run.shown(moved.refusal)[0]};
+    }
+    Lines lines = tools::changes(run.text, moved.value.text, run.journey.plan.address.text());
+    if (!moved.value.old_address) {
+        lines.emplace_back("no way back");
     }
     return lines;
 }
 
 Lines answer(const Run& run) {
-    return unless_refused(run, tools::answer(run.text, run.side),
-                          [&run](const auto& answered) { return answer_text(run, answered); });
-}
-
-Lines rejected(const Run& run) {
-    return run.shown(tools::answer(run.text, run.side).value.of(sdp::Severity::REJECTION));
+    const auto answered = tools::answer(run.text, run.side);
+    if (answered.is_refused()) {
+        return {"refused: " + run.shown(answered.refusal)[0]};
+    }
+    const sdp::MediaAddress& address =
+        run.side.plan ? run.side.plan->address : run.side.policy.address;
+    Lines lines = tools::escaped(tools::without_head(answered.value.text, address.text()));
+    std::map<std::size_t, int> counts;
+    for (const std::string& key : answered.value.keys) {
+        const int count = ++counts[key.size()];
+        const std::string name =
+            "$FRESH" + std::to_string(key.size()) + (count == 1 ? "" : "." + std::to_string(count));
+        for (std::string& line : lines) {
+            tools::replace_all(line, tools::base64(key), name);
+        }
+    }
+    return lines;
 }
 
 Lines section(const std::string& name, const Run& run) {
@@ -184,7 +143,7 @@ Lines section(const std::string& name, const Run& run) {
         {"warnings", [](const Run& of) { return of.shown(of.reading().value.warnings); }},
         {"log", [](const Run& of) { return tools::plain_lines(of.reading().value.log); }},
         {"passed", passed_through},
-        {"crypto", crypto},
+        {"crypto", [](const Run& of) { return tools::escaped(of.reading().value.crypto); }},
         {"changed",
          [](const Run& of) {
              return Lines{tools::is_changed(of.previous, of.text) ? "yes" : "no"};
@@ -195,7 +154,10 @@ Lines section(const std::string& name, const Run& run) {
              return of.shown(tools::move(of.text, of.journey).value.diagnostics);
          }},
         {"answer", answer},
-        {"rejected", rejected},
+        {"rejected",
+         [](const Run& of) {
+             return of.shown(tools::answer(of.text, of.side).value.of(sdp::Severity::REJECTION));
+         }},
     };
     const auto call = calls.find(name);
     if (call == calls.end()) {
@@ -238,15 +200,14 @@ void count(const std::string& place, const std::string& problem) {
 }
 
 std::vector<Run> runs_of(tools::Case& one) {
-    const auto lines_of = [&one](const char* section) {
-        return one.section(section) == nullptr ? Lines{} : one.section(section)->lines;
+    const auto alternatives_of = [&one](const char* section) {
+        return tools::alternatives(one.section(section) ? one.section(section)->lines : Lines{});
     };
     std::vector<Run> runs;
     for (const Lines& input : tools::alternatives(one.input)) {
-        for (const Lines& options : tools::alternatives(lines_of("with"))) {
-            Run run(tools::with_head(tools::unescaped(input)));
-            const Lines previous = tools::alternatives(lines_of("previous")).front();
-            run.previous = tools::with_head(tools::unescaped(previous));
+        for (const Lines& options : alternatives_of("with")) {
+            Run run(tools::session(input));
+            run.previous = tools::session(alternatives_of("previous").front());
             for (const std::string& option : options) {
                 add_option(run, option);
             }
@@ -256,33 +217,32 @@ std::vector<Run> runs_of(tools::Case& one) {
     return runs;
 }
 
-// Returns what is expected of each alternative: the text behind it, or that of the section.
-std::vector<Lines> expected_of(const tools::Section& section, const Lines* behind,
-                               std::size_t count) {
-    std::vector<Lines> expected = tools::alternatives(section.lines);
-    const std::vector<Lines> answers = behind == nullptr ? expected : tools::answers(*behind);
-    if (behind != nullptr && answers != std::vector<Lines>(answers.size())) {
-        if (!section.lines.empty()) {
-            throw std::invalid_argument("-- " + section.name +
-                                        ": texts here and behind the alternatives");
+// Compares a section of a case. The first one can have different texts for the alternatives of the
+// block before it, behind them.
+void run_section(tools::Section& part, Lines& block, bool is_first, const std::vector<Run>& runs,
+                 std::vector<std::string>& problems) {
+    std::vector<Lines> found;
+    for (const Run& run : runs) {
+        found.push_back(tools::matching(section(part.name, run), part.pattern));
+    }
+    if (is_update) {
+        const bool are_equal = std::equal(found.begin() + 1, found.end(), found.begin());
+        const bool are_behind = is_first && !are_equal;
+        part.lines = are_behind ? Lines{} : found.front();
+        if (is_first) {
+            tools::write_answers(block, are_behind ? found : std::vector<Lines>(found.size()));
         }
-        expected = answers;
     }
-    if (expected.size() == 1) {
-        expected.resize(count, expected.front());
+    std::vector<Lines> expected(runs.size(), part.lines);
+    const std::vector<Lines> behind = tools::answers(block);
+    if (is_first && behind != std::vector<Lines>(behind.size())) {
+        if (!part.lines.empty() || behind.size() != runs.size()) {
+            throw std::invalid_argument("texts behind the alternatives and in other places");
+        }
+        expected = behind;
     }
-    if (expected.size() != count) {
-        throw std::invalid_argument("-- " + section.name + ": wrong number of alternatives");
-    }
-    return expected;
-}
-
-void write_down(tools::Section& section, Lines* behind, const std::vector<Lines>& found) {
-    const bool are_equal = std::equal(found.begin() + 1, found.end(), found.begin());
-    const std::vector<Lines> nothing(found.size());
-    section.lines = are_equal ? found.front() : behind != nullptr ? Lines{} : tools::joined(found);
-    if (behind != nullptr && found.size() > 1) {
-        *behind = tools::with_answers(*behind, are_equal ? nothing : found);
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        problems[i] += diff(part.name + " " + part.pattern, expected[i], found[i]);
     }
 }
 
@@ -296,32 +256,21 @@ void run_case(const std::string& place, tools::Case& one) {
     }
     std::vector<std::string> problems;
     std::transform(runs.begin(), runs.end(), std::back_inserter(problems), broken_property);
-    // The block with the alternatives, until the first section is compared with the texts behind
-    // them.
     tools::Section* const with = one.section("with");
-    Lines* behind =
-        tools::answers(one.input).empty() && with != nullptr ? &with->lines : &one.input;
+    Lines& block = tools::answers(one.input).empty() && with != nullptr ? with->lines : one.input;
+    bool is_first = true;
     for (tools::Section& part : one.sections) {
-        if (part.name == "with" || part.name == "previous") {
-            continue;
+        if (part.name != "with" && part.name != "previous") {
+            run_section(part, block, is_first, runs, problems);
+            is_first = false;
         }
-        std::vector<Lines> found;
-        for (const Run& run : runs) {
-            found.push_back(tools::matching(section(part.name, run), part.pattern));
-        }
-        if (is_update) {
-            write_down(part, behind, found);
-        }
-        const std::vector<Lines> expected = expected_of(part, behind, runs.size());
-        for (std::size_t i = 0; i < runs.size(); ++i) {
-            problems[i] += diff(part.name + " " + part.pattern, expected[i], found[i]);
-        }
-        behind = nullptr;
+    }
+    if (is_first) {
+        throw std::invalid_argument("the case has no sections (use --update to add them)");
     }
     for (std::size_t i = 0; i < runs.size(); ++i) {
         count(place + (runs.size() == 1 ? "" : " (alternative " + std::to_string(i + 1) + ")"),
-              behind == nullptr ? problems[i]
-                                : "the case has no sections (use --update to add them)\n");
+              problems[i]);
     }
 }
 
@@ -347,25 +296,24 @@ void run_sample(const fs::path& path) {
     if (path.stem().string().find("answer") != std::string::npos) {
         add_option(run, "answer");
     }
-    const auto reading = run.reading();
-    const auto moved = tools::move(run.text, run.journey);
-    std::map<std::string, std::string> texts = {
-        {".log", reading.value.log},
-        {".warnings", ""},
-        {".refused", moved.is_refused() ? run.shown(moved.refusal)[0] + "\n" : ""}};
-    for (const sdp::Diagnostic& warning : reading.value.warnings) {
-        texts[".warnings"] += sdp::printed(warning, "").substr(1) + "\n";
+    const tools::Read reading = run.reading().value;
+    const tools::Diagnostics refusal = tools::move(run.text, run.journey).refusal;
+    std::string warnings;
+    for (const sdp::Diagnostic& warning : reading.warnings) {
+        warnings += sdp::printed(warning, "").substr(1) + "\n";
     }
+    const std::pair<const char*, std::string> texts[] = {
+        {".log", reading.log},
+        {".warnings", warnings},
+        {".refused", refusal.empty() ? "" : run.shown(refusal)[0] + "\n"}};
     std::string problem = broken_property(run);
     for (const auto& [extension, text] : texts) {
-        fs::path file = path;
-        file.replace_extension(extension);
+        const fs::path file = fs::path(path).replace_extension(extension);
         if (is_update) {
             text.empty() ? void(fs::remove(file)) : write_file(file, text);
         }
         const std::string expected = fs::exists(file) ? read_file(file) : "";
-        problem += diff(file.string(), tools::plain_lines(expected), tools::plain_lines(text));
-        problem += problem.empty() && expected != text ? "blanks differ\n" : "";
+        problem += diff(file, tools::escaped(expected), tools::escaped(text));
     }
     count(path.string(), problem);
 }

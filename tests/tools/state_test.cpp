@@ -14,12 +14,8 @@
 
 namespace {
 
+using tools::session;
 using tools::Side;
-
-// Returns a description from lines as in a case.
-std::string session(const tools::Lines& lines) {
-    return tools::with_head(tools::unescaped(lines));
-}
 
 const std::string audio = session({"m=audio 5004 RTP/AVP 8 0"});
 const std::string inactive = session({"m=audio 5004 RTP/AVP 8 0", "a=inactive"});

@@ -17,16 +17,13 @@ namespace {
 
 template <class T, class Call>
 Result<T> result_of(Call call) {
-    const auto refused = [](std::size_t line, const char* message) {
-        return Result<T>{{{line, sdp::Severity::WARNING, message}}, {}};
-    };
+    Result<T> result;
     try {
-        return {{}, call()};
-    } catch (const sdp::Refusal& refusal) {
-        return refused(refusal.line, refusal.what());
+        sdp::warn_of_refusal(result.refusal, [&] { result.value = call(); });
     } catch (const std::range_error& error) {
-        return refused(0, error.what());
+        result.refusal.push_back({0, sdp::Severity::WARNING, error.what()});
     }
+    return result;
 }
 
 std::string key_text(const QOVA_CryptoKey& key) {

@@ -13,6 +13,7 @@ namespace tools {
 namespace {
 
 const std::regex newline("\n");
+const std::regex section_line(R"(-- (\S+) ?(.*))");
 const std::regex separator(R"( \$/ )");
 const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[\s\S])");
 const std::map<std::string, std::string> endings = {{"$LF", "\n"}, {"$CR", "\r"}, {"$END", ""}};
@@ -77,12 +78,10 @@ CaseFile parse(const std::string& text) {
             trim(*block);
             file.cases.push_back({line.substr(3), number, {}, {}});
             block = &file.cases.back().input;
-        } else if (begins(line, "-- ") && !file.cases.empty()) {
+        } else if (std::smatch part;
+                   std::regex_match(line, part, section_line) && !file.cases.empty()) {
             trim(*block);
-            const std::size_t end = std::min(line.find(' ', 3), line.size() - 1);
-            file.cases.back().sections.push_back({line.substr(3, line.find(' ', 3) - 3),
-                                                  line[end] == ' ' ? line.substr(end + 1) : "",
-                                                  {}});
+            file.cases.back().sections.push_back({part[1], part[2], {}});
             block = &file.cases.back().sections.back().lines;
         } else {
             block->push_back(line);
@@ -112,27 +111,16 @@ std::string text_of(const CaseFile& file) {
 }
 
 std::vector<Lines> alternatives(const Lines& block) {
-    const auto first = std::find_if(block.begin(), block.end(), is_alternative);
-    const auto last = std::find_if_not(first, block.end(), is_alternative);
-    std::vector<Lines> all;
-    for (auto line = first; line != last; ++line) {
-        all.emplace_back(block.begin(), first);
-        const std::string text = line->substr(0, line->find(arrow));
-        if (text != "|") {
-            all.back().push_back(text.substr(2));
+    const auto count = std::count_if(block.begin(), block.end(), is_alternative);
+    std::vector<Lines> all(count == 0 ? 1 : static_cast<std::size_t>(count));
+    auto next = all.begin();
+    for (const std::string& line : block) {
+        const bool is_one = is_alternative(line);
+        const std::string text = is_one ? line.substr(0, line.find(arrow)) : line;
+        const Lines pieces = text == "|" ? Lines{} : split(text.substr(is_one ? 2 : 0), separator);
+        for (auto to = is_one ? next++ : all.begin(); to != (is_one ? next : all.end()); ++to) {
+            to->insert(to->end(), pieces.begin(), pieces.end());
         }
-        all.back().insert(all.back().end(), last, block.end());
-    }
-    if (all.empty()) {
-        all = {block};
-    }
-    for (Lines& one : all) {
-        Lines lines;
-        for (const std::string& line : one) {
-            const Lines pieces = split(line, separator);
-            lines.insert(lines.end(), pieces.begin(), pieces.end());
-        }
-        one = std::move(lines);
     }
     return all;
 }

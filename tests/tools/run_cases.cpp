@@ -37,8 +37,6 @@ struct Run {
     std::size_t lines_before = 0;  // in a message
     tools::Diagnostics refusal;
     std::string previous;
-    bool has_options = false;
-    tools::Role role = tools::Role::OFFER;
     tools::Journey journey;
     tools::Side side;
 
@@ -52,7 +50,7 @@ struct Run {
         }
     }
     tools::Result<tools::Read> reading() const {
-        return tools::read(text, role, tools::Strictness::LENIENT);
+        return tools::read(text, journey.options.role, tools::Strictness::LENIENT);
     }
     Lines shown(const tools::Diagnostics& diagnostics) const {
         return tools::shown(diagnostics, lines_before);
@@ -68,13 +66,12 @@ sdp::Plan plan_of(std::istream& words) {
 }
 
 void add_option(Run& run, const std::string& line) {
-    run.has_options = true;
     std::istringstream words(line);
     std::string option;
     words >> option;
     using Words = std::istream_iterator<std::string>;
     if (option == "answer") {
-        run.role = run.journey.options.role = tools::Role::ANSWER;
+        run.journey.options.role = tools::Role::ANSWER;
     } else if (option == "move") {
         run.journey.plan = plan_of(words);
         const std::set<std::string> rest(Words(words), {});
@@ -170,10 +167,8 @@ std::string broken_property(const Run& run) {
     tools::Counts counts;
     try {
         tools::check_properties(run.text, counts);
-        if (run.has_options) {
-            tools::check_move(run.text, run.journey, counts);
-            tools::check_answer(run.text, run.side, counts);
-        }
+        tools::check_move(run.text, run.journey, counts);
+        tools::check_answer(run.text, run.side, counts);
         return "";
     } catch (const tools::Broken& broken) {
         return broken.what() + std::string("\n");

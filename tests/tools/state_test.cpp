@@ -221,14 +221,6 @@ TEST_F(CallSideTest, RefusesAnAnswerWithOtherLines) {
     EXPECT_NO_THROW(side.take_answer(audio));
 }
 
-TEST(MediaAddress, IsAUnicastAddress) {
-    for (const char* const text : {"", "x", "10.0.0", "10.0.0.256", "010.0.0.1", "224.0.0.1",
-                                   "ff02::1", "fe80::1%eth0", "10.0.0.1 ", "0.0.0.0", "::"}) {
-        EXPECT_FALSE(sdp::MediaAddress::parse(text)) << text;
-    }
-    EXPECT_EQ(sdp::MediaAddress::parse("2001:DB8:0::5").value().text(), "2001:DB8:0::5");
-}
-
 // --- Changes -------------------------------------------------------------------------------------
 
 // A capability with an accepted line that has keys, and a rejected one.

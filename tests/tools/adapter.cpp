@@ -1,7 +1,10 @@
 #include "adapter.h"
 
 #include <algorithm>
+#include <iterator>
 #include <list>
+#include <set>
+#include <sstream>
 #include <stdexcept>
 
 #include "answer/changes.h"
@@ -43,6 +46,16 @@ std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
         text += " " + key_text(key);
     }
     return text + "\r\n";
+}
+
+using Words = std::istream_iterator<std::string>;
+
+sdp::Plan plan_of(std::istream& words) {
+    std::string text;
+    unsigned short audio_port = 0;
+    unsigned short fax_port = 0;
+    words >> text >> audio_port >> fax_port;
+    return {address(text), audio_port, fax_port};
 }
 
 std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
@@ -91,17 +104,34 @@ Result<sdp::Move> move(const std::string& text, const Journey& journey) {
     return result_of<sdp::Move>([&] { return sdp::move(text, journey.plan, journey.options); });
 }
 
-void Side::use_codecs(const std::vector<std::string>& names) {
-    policy.codecs.clear();
-    for (const std::string& name : names) {
-        policy.codecs.push_back(sdp::codec_named(name).value());
-    }
-}
-
-void Side::use_suites(const std::vector<std::string>& names) {
-    policy.suites.clear();
-    for (const std::string& name : names) {
-        policy.suites.push_back(Sdp::CryptoParser::algoToEnum(name));
+void Options::add(const std::string& line) {
+    std::istringstream words(line);
+    const std::string option = *Words(words);
+    if (option == "answer") {
+        journey.options.role = Role::ANSWER;
+    } else if (option == "move") {
+        journey.plan = plan_of(words);
+        const std::set<std::string> rest(Words(words), {});
+        journey.options.back = rest.count("back") != 0;
+        journey.options.merge = rest.count("merge") != 0;
+        journey.options.strictness =
+            rest.count("strict") != 0 ? Strictness::STRICT : Strictness::LENIENT;
+    } else if (option == "local") {
+        side.policy.address = address(*Words(words));
+    } else if (option == "public") {
+        side.plan = plan_of(words);
+    } else if (option == "codecs") {
+        side.policy.codecs.clear();
+        std::transform(Words(words), {}, std::back_inserter(side.policy.codecs),
+                       [](const std::string& name) { return sdp::codec_named(name).value(); });
+    } else if (option == "suites") {
+        side.policy.suites.clear();
+        std::transform(Words(words), {}, std::back_inserter(side.policy.suites),
+                       Sdp::CryptoParser::algoToEnum);
+    } else if (option == "no-fax") {
+        side.policy.fax = false;
+    } else {
+        throw std::invalid_argument("unknown option '" + line + "'");
     }
 }
 

@@ -53,13 +53,18 @@ struct Journey {
 Result<sdp::Move> move(const std::string& text, const Journey& journey);
 
 struct Side {
-    sdp::Policy policy;
+    sdp::Policy policy = {address("192.0.2.1")};
     std::optional<sdp::Plan> plan;
-
-    explicit Side(const std::string& local = "192.0.2.1") : policy{address(local)} {}
-    void use_codecs(const std::vector<std::string>& names);
-    void use_suites(const std::vector<std::string>& names);
 };
+
+// How a description moves and is answered, as cases/README.md describes it.
+struct Options {
+    Journey journey;
+    Side side;
+
+    void add(const std::string& line);  // throws std::exception
+};
+
 struct Answered : sdp::Reply {
     std::vector<std::string> keys;  // new ones, in bytes; the same in every run
 

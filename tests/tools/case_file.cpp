@@ -118,7 +118,9 @@ std::vector<Lines> alternatives(const Lines& block) {
         const bool is_one = is_alternative(line);
         const std::string text = is_one ? line.substr(0, line.find(arrow)) : line;
         const Lines pieces = text == "|" ? Lines{} : split(text.substr(is_one ? 2 : 0), separator);
-        for (auto to = is_one ? next++ : all.begin(); to != (is_one ? next : all.end()); ++to) {
+        const auto begin = is_one ? next : all.begin();
+        const auto end = is_one ? ++next : all.end();
+        for (auto to = begin; to != end; ++to) {
             to->insert(to->end(), pieces.begin(), pieces.end());
         }
     }

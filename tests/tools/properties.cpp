@@ -213,29 +213,22 @@ void check_properties(const std::string& text, Counts& counts) {
     counts.readable += is_readable ? 1U : 0U;
     counts.strict += read(text, Role::OFFER, Strictness::STRICT).is_refused() ? 0U : 1U;
 
-    Journey back;
-    back.plan = {address("203.0.113.9"), 31990, 6000};
-    back.options.back = true;
-    Journey merge;
-    merge.plan.audio_port = 32002;
-    merge.options.merge = true;
-    Journey answer;
-    answer.options.role = Role::ANSWER;
-    Journey strict;
-    strict.options.strictness = Strictness::STRICT;
-    for (const Journey& there :
-         {Journey{}, Journey{{address("2001:DB8::0:9"), 31999, 6667}, {}},
-          Journey{{address("10.0.0.1"), 32000, 6666}, {}}, back, merge, answer, strict}) {
-        check_move(text, there, counts);
+    for (const char* const option :
+         {"move 203.0.113.5 40000 7000", "move 2001:DB8::0:9 31999 6667",
+          "move 10.0.0.1 32000 6666", "move 203.0.113.9 31990 6000 back",
+          "move 203.0.113.5 32002 7000 merge", "move 203.0.113.5 40000 7000 strict", "answer"}) {
+        Options options;
+        options.add(option);
+        check_move(text, options.journey, counts);
     }
-    Side narrow;
-    narrow.use_codecs({"PCMU", "AMR-WB"});
-    narrow.use_suites({"AES_CM_128_HMAC_SHA1_32"});
-    narrow.policy.fax = false;
-    Side behind_public("192.168.250.1");
-    behind_public.plan = Journey{}.plan;
-    for (const Side& side : {Side(), Side("2001:db8::1"), narrow, behind_public}) {
-        check_answer(text, side, counts);
+    for (const std::vector<std::string>& lines : std::vector<std::vector<std::string>>{
+             {},
+             {"local 2001:db8::1"},
+             {"codecs PCMU AMR-WB", "suites AES_CM_128_HMAC_SHA1_32", "no-fax"},
+             {"local 192.168.250.1", "public 203.0.113.5 40000 7000"}}) {
+        Options options;
+        std::for_each(lines.begin(), lines.end(), [&](const auto& line) { options.add(line); });
+        check_answer(text, options.side, counts);
     }
 }
 

@@ -32,13 +32,11 @@ using tools::Lines;
 // --- What the tools make of a description --------------------------------------------------------
 
 // A description, and what it is run with.
-struct Run {
+struct Run : tools::Options {
     std::string text;
     std::size_t lines_before = 0;  // in a message
     tools::Diagnostics refusal;
     std::string previous;
-    tools::Journey journey;
-    tools::Side side;
 
     explicit Run(const std::string& input) : text(input) {
         const auto found = tools::find(input);
@@ -56,43 +54,6 @@ struct Run {
         return tools::shown(diagnostics, lines_before);
     }
 };
-
-sdp::Plan plan_of(std::istream& words) {
-    std::string address;
-    unsigned short audio_port = 0;
-    unsigned short fax_port = 0;
-    words >> address >> audio_port >> fax_port;
-    return {tools::address(address), audio_port, fax_port};
-}
-
-void add_option(Run& run, const std::string& line) {
-    std::istringstream words(line);
-    std::string option;
-    words >> option;
-    using Words = std::istream_iterator<std::string>;
-    if (option == "answer") {
-        run.journey.options.role = tools::Role::ANSWER;
-    } else if (option == "move") {
-        run.journey.plan = plan_of(words);
-        const std::set<std::string> rest(Words(words), {});
-        run.journey.options.back = rest.count("back") != 0;
-        run.journey.options.merge = rest.count("merge") != 0;
-        run.journey.options.strictness =
-            rest.count("strict") != 0 ? tools::Strictness::STRICT : tools::Strictness::LENIENT;
-    } else if (option == "local") {
-        run.side.policy.address = tools::address(*Words(words));
-    } else if (option == "public") {
-        run.side.plan = plan_of(words);
-    } else if (option == "codecs") {
-        run.side.use_codecs({Words(words), Words()});
-    } else if (option == "suites") {
-        run.side.use_suites({Words(words), Words()});
-    } else if (option == "no-fax") {
-        run.side.policy.fax = false;
-    } else {
-        throw std::invalid_argument("unknown option '" + line + "'");
-    }
-}
 
 Lines passed_through(const Run& run) {
     const std::string log = run.reading().value.log;
@@ -204,7 +165,7 @@ std::vector<Run> runs_of(tools::Case& one) {
             Run run(tools::session(input));
             run.previous = tools::session(alternatives_of("previous").front());
             for (const std::string& option : options) {
-                add_option(run, option);
+                run.add(option);
             }
             runs.push_back(std::move(run));
         }
@@ -289,7 +250,7 @@ void run_cases(const fs::path& path) {
 void run_sample(const fs::path& path) {
     Run run(read_file(path));
     if (path.stem().string().find("answer") != std::string::npos) {
-        add_option(run, "answer");
+        run.add("answer");
     }
     const tools::Read reading = run.reading().value;
     const tools::Diagnostics refusal = tools::move(run.text, run.journey).refusal;

@@ -162,18 +162,16 @@ TEST_F(CallSideTest, OffersAllThatItsPolicyHas) {
 }
 
 TEST_F(CallSideTest, OffersItsCodecsInThePublicPlan) {
-    Side narrow;
-    narrow.use_codecs({"PCMA"});
-    const std::string text = sdp::CallSide(narrow.policy, tools::Journey().plan).offer().text;
+    tools::Options narrow;
+    narrow.add("codecs PCMA");
+    const std::string text = sdp::CallSide(narrow.side.policy, tools::Journey().plan).offer().text;
     EXPECT_EQ(tools::without_head(text, "203.0.113.5"),
               tools::unescaped({"m=audio 40000 RTP/AVP 8 101", "a=rtpmap:101 telephone-event/8000",
                                 "a=ptime:20"}));
 }
 
 TEST_F(CallSideTest, OffersAnIpv6Address) {
-    Side narrow("2001:db8::1");
-    narrow.use_codecs({"PCMU"});
-    const std::string text = sdp::CallSide(narrow.policy).offer().text;
+    const std::string text = sdp::CallSide({tools::address("2001:db8::1")}).offer().text;
     EXPECT_EQ(tools::without_head(text, "2001:db8::1").substr(0, 15), "m=audio 32000 R") << text;
 }
 

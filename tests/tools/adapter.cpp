@@ -178,7 +178,6 @@ std::string hexadecimal(const std::string& bytes) {
 }
 
 std::string base64(const std::string& bytes) {
-    constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
     for (std::size_t at = 0; at < bytes.size(); at += 3) {
         unsigned three = 0;
@@ -186,7 +185,7 @@ std::string base64(const std::string& bytes) {
             three = three << 8U | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
         }
         for (const unsigned shift : {18U, 12U, 6U, 0U}) {
-            text += digits[three >> shift & 63U];
+            text += base64_digits[three >> shift & 63U];
         }
     }
     std::fill_n(text.rbegin(), (3 - bytes.size() % 3) % 3, '=');

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "answer/call_side.h"
@@ -78,6 +79,9 @@ Result<Answered> answer(const std::string& text, const Side& side,
 bool is_changed(const std::string& before, const std::string& now);
 
 std::string hexadecimal(const std::string& bytes);
+
+constexpr std::string_view base64_digits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // As in a=crypto, with its padding.
 std::string base64(const std::string& bytes);

@@ -43,25 +43,29 @@ void check_messages(const Diagnostics& diagnostics, const std::string& text) {
 constexpr std::size_t least_key = 37;
 constexpr std::size_t searched = 12;
 
+// Decodes base64, up to the first other character.
 std::string bytes_of(const std::string& base64) {
     std::string bytes;
-    unsigned bits = 0;
-    unsigned value = 0;
-    for (const char digit : base64) {
-        constexpr std::string_view digits =
-            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        const std::size_t at = digits.find(digit);
-        if (at == std::string_view::npos) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < base64.size(); ++i) {
+        const std::size_t digit = base64_digits.find(base64[i]);
+        if (digit == std::string_view::npos) {
             break;
         }
-        value = (value << 6U | static_cast<unsigned>(at)) & 0xFFFFU;
-        bits += 6;
-        if (bits >= 8) {
-            bits -= 8;
-            bytes += static_cast<char>(value >> bits);
+        value = (value << 6U | digit) & 0xFFFFU;
+        if (i % 4 != 0) {
+            bytes += static_cast<char>(value >> (6 - 2 * (i % 4)));
         }
     }
     return bytes;
+}
+
+std::size_t count(const std::string& text, const std::string& what) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++found;
+    }
+    return found;
 }
 
 // Returns the keys that occur in a text only after "inline:".
@@ -73,12 +77,7 @@ std::vector<std::string> offered_keys(const std::string& text) {
         const std::size_t size = std::min(text.find_first_of("|; \t\r\n", at), text.size()) - at;
         const std::string key = text.substr(at, size);
         const std::string begin = key.substr(0, searched);
-        bool is_elsewhere = false;
-        for (std::size_t other = text.find(begin); other != std::string::npos;
-             other = text.find(begin, other + 1)) {
-            is_elsewhere |= other < method.size() ||
-                            text.compare(other - method.size(), method.size(), method) != 0;
-        }
+        const bool is_elsewhere = count(text, begin) != count(text, "inline:" + begin);
         const bool is_number = begin == std::string(begin.size(), 'A');
         if (size >= least_key && !is_elsewhere && !is_number) {
             keys.push_back(key);

@@ -16,7 +16,6 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 #include "adapter.h"
@@ -276,8 +275,7 @@ void run_sample(const fs::path& path) {
 
 void run_path(const fs::path& path) {
     if (fs::is_directory(path)) {
-        const std::set<fs::path> entries(fs::directory_iterator(path), {});
-        for (const fs::path& entry : entries) {
+        for (const fs::path& entry : std::set<fs::path>(fs::directory_iterator(path), {})) {
             if (entry.extension() == ".sdp") {
                 run_sample(entry);
             }
@@ -290,10 +288,9 @@ void run_path(const fs::path& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<std::string> arguments(argv + 1, argv + argc);
-    is_update = !arguments.empty() && arguments.front() == "--update";
-    arguments.erase(arguments.begin(), arguments.begin() + (is_update ? 1 : 0));
-    for (const std::string& path : arguments) {
+    is_update = argc > 1 && argv[1] == std::string("--update");
+    for (const std::string& path :
+         std::vector<std::string>(argv + (is_update ? 2 : 1), argv + argc)) {
         try {
             run_path(path);
         } catch (const std::exception& error) {

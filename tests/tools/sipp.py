@@ -127,8 +127,9 @@ class Scenario:
             # The ACK of a refusal belongs to the transaction of its request, two steps before.
             self.send("ACK", *answer, branch="[branch]" if status == "200" else "[branch-2]")
 
-    def respond(self):
-        """Responds to the last request."""
+    def respond(self, method):
+        """Expects a request and responds to it."""
+        self.expect(method)
         self.text("SIP/2.0 200 OK\n[last_Via:]\n[last_From:]\n[last_To:]\n[last_Call-ID:]\n"
                   "[last_CSeq:]\nContent-Length: 0")
 

@@ -135,13 +135,6 @@ void Options::add(const std::string& line) {
     }
 }
 
-Diagnostics Answered::of(sdp::Severity severity) const {
-    Diagnostics all;
-    std::copy_if(diagnostics.begin(), diagnostics.end(), std::back_inserter(all),
-                 [&](const sdp::Diagnostic& one) { return one.severity == severity; });
-    return all;
-}
-
 Result<Answered> answer(const std::string& text, const Side& side, const std::string& previous) {
     return result_of<Answered>([&] {
         // The first random bytes, of the session's number, count down from 255, the next from 239,
@@ -157,8 +150,12 @@ Result<Answered> answer(const std::string& text, const Side& side, const std::st
         if (!previous.empty()) {
             call.resume(previous);
         }
-        Answered answered = {call.answer(text, Strictness::LENIENT), {}};
+        Answered answered = {call.answer(text, Strictness::LENIENT), {}, {}, {}};
         answered.keys.assign(blocks.begin() + 1, blocks.end());
+        for (const sdp::Diagnostic& one : answered.diagnostics) {
+            const bool is_warning = one.severity == sdp::Severity::WARNING;
+            (is_warning ? answered.warnings : answered.rejections).push_back(one);
+        }
         return answered;
     });
 }

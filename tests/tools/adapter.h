@@ -68,8 +68,8 @@ struct Options {
 
 struct Answered : sdp::Reply {
     std::vector<std::string> keys;  // new ones, in bytes; the same in every run
-
-    Diagnostics of(sdp::Severity severity) const;
+    Diagnostics warnings;
+    Diagnostics rejections;
 };
 // Answers as a new side of a call, or as one that resumes from its previous answer.
 Result<Answered> answer(const std::string& text, const Side& side,

@@ -180,9 +180,9 @@ void check_answer(const std::string& text, const Side& side, Counts& counts) {
     const Answered& answered = first.value;
     ++counts.answered;
     counts.accepted += answered.has_common ? 1U : 0U;
-    demand(all_of(answered.of(sdp::Severity::WARNING)) == all_of(offer.value.warnings),
+    demand(all_of(answered.warnings) == all_of(offer.value.warnings),
            "the warnings differ from the reader's", all_of(answered.diagnostics));
-    check_messages(answered.of(sdp::Severity::REJECTION), text);
+    check_messages(answered.rejections, text);
     const std::string shown = answered.log + all_of(answered.diagnostics);
     check_without_keys(shown + answered.text, text);
     for (const std::string& key : answered.keys) {

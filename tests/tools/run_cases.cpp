@@ -112,9 +112,7 @@ Lines section(const std::string& name, const Run& run) {
          }},
         {"answer", answer},
         {"rejected",
-         [](const Run& of) {
-             return of.shown(tools::answer(of.text, of.side).value.of(sdp::Severity::REJECTION));
-         }},
+         [](const Run& of) { return of.shown(tools::answer(of.text, of.side).value.rejections); }},
     };
     const auto call = calls.find(name);
     if (call == calls.end()) {

@@ -127,16 +127,6 @@ TEST_F(CallSideTest, IsUnchangedByARefusal) {
     EXPECT_EQ(answer(secure).text, first.text);
 }
 
-TEST_F(CallSideTest, LogsTheLocalAndThePublicPlan) {
-    sdp::CallSide behind_public(Side().policy, tools::Journey().plan);
-    const std::string log = behind_public.answer(audio, {}).log;
-    for (const std::string entry :
-         {"offer: Capability(offer", "\nanswer: Capability(answer", "@192.0.2.1/snd=32000",
-          "\npublic: Capability(answer", "@203.0.113.5/snd=40000"}) {
-        EXPECT_NE(log.find(entry), std::string::npos) << entry << log;
-    }
-}
-
 TEST_F(CallSideTest, GoesOnFromAnyDescription) {
     answer(audio);
     side.resume(session({"v=0", "o=- 99 41 IN IP4 192.0.2.1", "c=IN IP4 192.0.2.1", "t=0 0",

@@ -1,7 +1,10 @@
 #include "adapter.h"
 
 #include <algorithm>
+#include <iterator>
 #include <list>
+#include <set>
+#include <sstream>
 #include <stdexcept>
 
 #include "answer/changes.h"
@@ -17,29 +20,23 @@ namespace {
 
 template <class T, class Call>
 Result<T> result_of(Call call) {
-    const auto refused = [](std::size_t line, const char* message) {
-        return Result<T>{{{line, sdp::Severity::WARNING, message}}, {}};
-    };
+    Result<T> result;
     try {
-        return {{}, call()};
-    } catch (const sdp::Refusal& refusal) {
-        return refused(refusal.line, refusal.what());
+        sdp::warn_of_refusal(result.refusal, [&] { result.value = call(); });
     } catch (const std::range_error& error) {
-        return refused(0, error.what());
+        result.refusal.push_back({0, sdp::Severity::WARNING, error.what()});
     }
+    return result;
 }
 
 std::string key_text(const QOVA_CryptoKey& key) {
-    std::string mki;
-    for (unsigned i = 0; i < sizeof key.mki; ++i) {
-        const auto byte = static_cast<unsigned char>(key.mki[i]);
-        mki += {"0123456789abcdef"[byte / 16], "0123456789abcdef"[byte % 16]};
-    }
     const auto end = std::find_if(std::rbegin(key.key), std::rend(key.key),
                                   [](unsigned char byte) { return byte != 0; });
     return "inline:" + base64(std::string(std::begin(key.key), end.base())) +
            (key.lifetime == 0 ? "" : "|" + std::to_string(key.lifetime)) +
-           (key.mkiSize == 0 ? "" : "|" + mki + ":" + std::to_string(key.mkiSize));
+           (key.mkiSize == 0 ? ""
+                             : "|" + hexadecimal({std::begin(key.mki), std::end(key.mki)}) + ":" +
+                                   std::to_string(key.mkiSize));
 }
 
 std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
@@ -48,7 +45,17 @@ std::string crypto_text(const sdp::ReadLine& line, const QOVA_Crypto& crypto) {
     for (const QOVA_CryptoKey& key : crypto.keys) {
         text += " " + key_text(key);
     }
-    return text;
+    return text + "\r\n";
+}
+
+using Words = std::istream_iterator<std::string>;
+
+sdp::Plan plan_of(std::istream& words) {
+    std::string text;
+    unsigned short audio_port = 0;
+    unsigned short fax_port = 0;
+    words >> text >> audio_port >> fax_port;
+    return {address(text), audio_port, fax_port};
 }
 
 std::unique_ptr<QOVA_Capability> capability_of(const std::string& text) {
@@ -78,7 +85,7 @@ Result<Read> read(const std::string& text, Role role, Strictness strictness) {
             result.kinds.push_back(line.type + " " + line.transport);
             for (const QOVA_Crypto* const crypto :
                  line.media == nullptr ? std::list<QOVA_Crypto*>() : line.media->cryptos) {
-                result.cryptos.push_back(crypto_text(line, *crypto));
+                result.crypto += crypto_text(line, *crypto);
             }
         }
         return result;
@@ -97,25 +104,35 @@ Result<sdp::Move> move(const std::string& text, const Journey& journey) {
     return result_of<sdp::Move>([&] { return sdp::move(text, journey.plan, journey.options); });
 }
 
-void Side::use_codecs(const std::vector<std::string>& names) {
-    policy.codecs.clear();
-    for (const std::string& name : names) {
-        policy.codecs.push_back(sdp::codec_named(name).value());
+void Options::add(const std::string& line) {
+    std::istringstream words(line);
+    const std::string option = *Words(words);
+    if (option == "answer") {
+        journey.options.role = Role::ANSWER;
+    } else if (option == "move") {
+        journey.plan = plan_of(words);
+        const std::set<std::string> rest(Words(words), {});
+        journey.options.back = rest.count("back") != 0;
+        journey.options.merge = rest.count("merge") != 0;
+        journey.options.strictness =
+            rest.count("strict") != 0 ? Strictness::STRICT : Strictness::LENIENT;
+    } else if (option == "local") {
+        side.policy.address = address(*Words(words));
+    } else if (option == "public") {
+        side.plan = plan_of(words);
+    } else if (option == "codecs") {
+        side.policy.codecs.clear();
+        std::transform(Words(words), {}, std::back_inserter(side.policy.codecs),
+                       [](const std::string& name) { return sdp::codec_named(name).value(); });
+    } else if (option == "suites") {
+        side.policy.suites.clear();
+        std::transform(Words(words), {}, std::back_inserter(side.policy.suites),
+                       Sdp::CryptoParser::algoToEnum);
+    } else if (option == "no-fax") {
+        side.policy.fax = false;
+    } else {
+        throw std::invalid_argument("unknown option '" + line + "'");
     }
-}
-
-void Side::use_suites(const std::vector<std::string>& names) {
-    policy.suites.clear();
-    for (const std::string& name : names) {
-        policy.suites.push_back(Sdp::CryptoParser::algoToEnum(name));
-    }
-}
-
-Diagnostics Answered::of(sdp::Severity severity) const {
-    Diagnostics all;
-    std::copy_if(diagnostics.begin(), diagnostics.end(), std::back_inserter(all),
-                 [&](const sdp::Diagnostic& one) { return one.severity == severity; });
-    return all;
 }
 
 Result<Answered> answer(const std::string& text, const Side& side, const std::string& previous) {
@@ -133,8 +150,12 @@ Result<Answered> answer(const std::string& text, const Side& side, const std::st
         if (!previous.empty()) {
             call.resume(previous);
         }
-        Answered answered = {call.answer(text, Strictness::LENIENT), {}};
+        Answered answered = {call.answer(text, Strictness::LENIENT), {}, {}, {}};
         answered.keys.assign(blocks.begin() + 1, blocks.end());
+        for (const sdp::Diagnostic& one : answered.diagnostics) {
+            const bool is_warning = one.severity == sdp::Severity::WARNING;
+            (is_warning ? answered.warnings : answered.rejections).push_back(one);
+        }
         return answered;
     });
 }
@@ -143,8 +164,17 @@ bool is_changed(const std::string& before, const std::string& now) {
     return sdp::changed(*capability_of(before), *capability_of(now));
 }
 
+std::string hexadecimal(const std::string& bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += {digits[value / 16], digits[value % 16]};
+    }
+    return text;
+}
+
 std::string base64(const std::string& bytes) {
-    constexpr char digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
     for (std::size_t at = 0; at < bytes.size(); at += 3) {
         unsigned three = 0;
@@ -152,7 +182,7 @@ std::string base64(const std::string& bytes) {
             three = three << 8U | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
         }
         for (const unsigned shift : {18U, 12U, 6U, 0U}) {
-            text += digits[three >> shift & 63U];
+            text += base64_digits[three >> shift & 63U];
         }
     }
     std::fill_n(text.rbegin(), (3 - bytes.size() % 3) % 3, '=');

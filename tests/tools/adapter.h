@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "answer/call_side.h"
@@ -38,8 +39,8 @@ Result<sdp::Found> find(const std::string& file);
 struct Read {
     std::string log;
     Diagnostics warnings;
-    std::vector<std::string> kinds;    // the type and the transport of each media line
-    std::vector<std::string> cryptos;  // "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
+    std::vector<std::string> kinds;  // the type and the transport of each media line
+    std::string crypto;              // lines "LINE: TAG SUITE inline:KEY|LIFETIME|MKI:SIZE ..."
 };
 Result<Read> read(const std::string& text, Role role, Strictness strictness);
 
@@ -53,17 +54,22 @@ struct Journey {
 Result<sdp::Move> move(const std::string& text, const Journey& journey);
 
 struct Side {
-    sdp::Policy policy;
+    sdp::Policy policy = {address("192.0.2.1")};
     std::optional<sdp::Plan> plan;
-
-    explicit Side(const std::string& local = "192.0.2.1") : policy{address(local)} {}
-    void use_codecs(const std::vector<std::string>& names);
-    void use_suites(const std::vector<std::string>& names);
 };
+
+// How a description moves and is answered, as cases/README.md describes it.
+struct Options {
+    Journey journey;
+    Side side;
+
+    void add(const std::string& line);  // throws std::exception
+};
+
 struct Answered : sdp::Reply {
     std::vector<std::string> keys;  // new ones, in bytes; the same in every run
-
-    Diagnostics of(sdp::Severity severity) const;
+    Diagnostics warnings;
+    Diagnostics rejections;
 };
 // Answers as a new side of a call, or as one that resumes from its previous answer.
 Result<Answered> answer(const std::string& text, const Side& side,
@@ -71,6 +77,11 @@ Result<Answered> answer(const std::string& text, const Side& side,
 
 // Compares two descriptions as offers. Both must be readable.
 bool is_changed(const std::string& before, const std::string& now);
+
+std::string hexadecimal(const std::string& bytes);
+
+constexpr std::string_view base64_digits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // As in a=crypto, with its padding.
 std::string base64(const std::string& bytes);

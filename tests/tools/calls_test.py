@@ -103,9 +103,9 @@ class Answers(CallCase):
                               (BROKEN, "ACK:6: hanging up: [^\n]+")):
             call = sipp.Scenario()
             call.exchange("INVITE", "200", "^m=audio 32000 ", answer=answer)
-            call.expect("BYE")
-            call.respond()
-            self.assertRegex(self.check(call, hang_up=False), f"call 1: ACK\ncall 1: {error}\ncall 1: ended\n\\Z")
+            call.respond("BYE")
+            self.assertRegex(self.check(call, hang_up=False),
+                             f"call 1: ACK\ncall 1: {error}\ncall 1: ended\n\\Z")
 
     def test_options_request(self):
         call = sipp.Scenario()
@@ -264,8 +264,7 @@ class Ends(CallCase):
         for with_signal in (signal.SIGTERM, signal.SIGINT):
             call = sipp.Scenario()
             call.exchange("INVITE", "200", body=CALL)
-            call.expect("BYE")
-            call.respond()
+            call.respond("BYE")
             server = self.serve()
             stop = threading.Thread(
                 target=lambda: server.wait_for("call 1: ACK") and

@@ -1,19 +1,22 @@
 #include "case_file.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <regex>
-#include <sstream>
 
 #include "adapter.h"
+#include "sdp/strings.h"
 
 namespace tools {
 
 namespace {
 
-constexpr char separator[] = " $/ ";
+const std::regex newline("\n");
+const std::regex section_line(R"(-- (\S+) ?(.*))");
+const std::regex separator(R"( \$/ )");
 const std::regex piece(R"(\$(?:KEY(\d\d)|x([0-9a-f]{2})|SECRET)|[\s\S])");
-const std::regex blanks("[ \t]+");
+const std::map<std::string, std::string> endings = {{"$LF", "\n"}, {"$CR", "\r"}, {"$END", ""}};
 const std::regex origin("^v=0\r\no=- \\d+ 1 ");  // the number of an answerer's session is random
 const std::string arrow = " => ";
 
@@ -25,14 +28,17 @@ bool is_alternative(const std::string& line) {
     return begins(line, "|");
 }
 
-Lines split(const std::string& text, const std::string& ending) {
-    Lines lines;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find(ending, begin), text.size());
-        lines.push_back(text.substr(begin, end - begin));
-        begin = end + ending.size();
+Lines split(const std::string& text, const std::regex& at) {
+    return {std::sregex_token_iterator(text.begin(), text.end(), at, -1), {}};
+}
+
+template <class Pieces>
+std::string joined(const Pieces& pieces, const std::string& between) {
+    std::string text;
+    for (const auto& one : pieces) {
+        text.append(text.empty() ? "" : between).append(one);
     }
-    return lines;
+    return text;
 }
 
 // Drops empty lines at the end.
@@ -54,13 +60,6 @@ std::string key(std::size_t size) {
     return base64(bytes);
 }
 
-void replace_all(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = text.find(from); at != std::string::npos;
-         at = text.find(from, at + to.size())) {
-        text.replace(at, from.size(), to);
-    }
-}
-
 }  // namespace
 
 Section* Case::section(const std::string& of) {
@@ -73,18 +72,16 @@ CaseFile parse(const std::string& text) {
     CaseFile file;
     Lines* block = &file.comment;
     std::size_t number = 0;
-    for (const std::string& line : split(text, "\n")) {
+    for (const std::string& line : split(text, newline)) {
         ++number;
         if (begins(line, "== ")) {
             trim(*block);
             file.cases.push_back({line.substr(3), number, {}, {}});
             block = &file.cases.back().input;
-        } else if (begins(line, "-- ") && !file.cases.empty()) {
+        } else if (std::smatch part;
+                   std::regex_match(line, part, section_line) && !file.cases.empty()) {
             trim(*block);
-            const std::size_t end = std::min(line.find(' ', 3), line.size() - 1);
-            file.cases.back().sections.push_back({line.substr(3, line.find(' ', 3) - 3),
-                                                  line[end] == ' ' ? line.substr(end + 1) : "",
-                                                  {}});
+            file.cases.back().sections.push_back({part[1], part[2], {}});
             block = &file.cases.back().sections.back().lines;
         } else {
             block->push_back(line);
@@ -114,27 +111,18 @@ std::string text_of(const CaseFile& file) {
 }
 
 std::vector<Lines> alternatives(const Lines& block) {
-    const auto first = std::find_if(block.begin(), block.end(), is_alternative);
-    const auto last = std::find_if_not(first, block.end(), is_alternative);
-    std::vector<Lines> all;
-    for (auto line = first; line != last; ++line) {
-        all.emplace_back(block.begin(), first);
-        const std::string text = line->substr(0, line->find(arrow));
-        if (text != "|") {
-            all.back().push_back(text.substr(2));
+    const auto count = std::count_if(block.begin(), block.end(), is_alternative);
+    std::vector<Lines> all(count == 0 ? 1 : static_cast<std::size_t>(count));
+    auto next = all.begin();
+    for (const std::string& line : block) {
+        const bool is_one = is_alternative(line);
+        const std::string text = is_one ? line.substr(0, line.find(arrow)) : line;
+        const Lines pieces = text == "|" ? Lines{} : split(text.substr(is_one ? 2 : 0), separator);
+        const auto begin = is_one ? next : all.begin();
+        const auto end = is_one ? ++next : all.end();
+        for (auto to = begin; to != end; ++to) {
+            to->insert(to->end(), pieces.begin(), pieces.end());
         }
-        all.back().insert(all.back().end(), last, block.end());
-    }
-    if (all.empty()) {
-        all = {block};
-    }
-    for (Lines& one : all) {
-        Lines lines;
-        for (const std::string& line : one) {
-            const Lines pieces = line.empty() ? Lines{line} : split(line, separator);
-            lines.insert(lines.end(), pieces.begin(), pieces.end());
-        }
-        one = std::move(lines);
     }
     return all;
 }
@@ -152,28 +140,15 @@ std::vector<Lines> answers(const Lines& block) {
     return all;
 }
 
-Lines with_answers(const Lines& block, const std::vector<Lines>& texts) {
-    Lines all = block;
+void write_answers(Lines& block, const std::vector<Lines>& texts) {
     auto text = texts.begin();
-    for (std::string& line : all) {
+    for (std::string& line : block) {
         if (is_alternative(line)) {
             line.resize(std::min(line.find(arrow), line.size()));
-            line += text->empty() ? "" : arrow + joined({*text})[0].substr(2);
+            line += text->empty() ? "" : arrow + joined(*text, " $/ ");
             ++text;
         }
     }
-    return all;
-}
-
-Lines joined(const std::vector<Lines>& blocks) {
-    Lines all;
-    for (const Lines& block : blocks) {
-        all.emplace_back("|");
-        for (const std::string& line : block) {
-            all.back() += (all.back() == "|" ? " " : separator) + line;
-        }
-    }
-    return all;
 }
 
 Lines matching(const Lines& lines, const std::string& pattern) {
@@ -183,29 +158,27 @@ Lines matching(const Lines& lines, const std::string& pattern) {
     const std::regex form(pattern);
     Lines found;
     for (const std::string& line : lines) {
-        std::string pieces;
-        for (std::sregex_iterator it(line.begin(), line.end(), form), end; it != end; ++it) {
-            pieces += (pieces.empty() ? "" : " ") + it->str();
-        }
-        if (!pieces.empty()) {
-            found.push_back(pieces);
+        const Lines pieces(std::sregex_token_iterator(line.begin(), line.end(), form), {});
+        const std::string text = joined(pieces, " ");
+        if (!text.empty()) {
+            found.push_back(text);
         }
     }
     return found;
 }
 
+void replace_all(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+}
+
 std::string unescaped(const Lines& lines) {
     std::string text;
     for (std::string line : lines) {
-        std::string ending = "\r\n";
-        for (const auto& [mark, bytes] : {std::pair("$LF", "\n"), {"$CR", "\r"}, {"$END", ""}}) {
-            const std::size_t at = line.rfind(mark);
-            if (at != std::string::npos && line.substr(at) == mark) {
-                ending = bytes;
-                line.resize(at);
-                break;
-            }
-        }
+        const auto ending = endings.find(line.substr(std::min(line.rfind('$'), line.size())));
+        line.resize(line.size() - (ending == endings.end() ? 0 : ending->first.size()));
         for (std::sregex_iterator it(line.begin(), line.end(), piece), end; it != end; ++it) {
             const std::smatch& match = *it;
             text += match[1].matched ? key(std::stoul(match[1]))
@@ -214,7 +187,7 @@ std::string unescaped(const Lines& lines) {
                     : match.length() > 1 ? "SecretKeyMaterialThatNobodyMayEverSeeHere"
                                          : match.str();
         }
-        text += ending;
+        text += ending == endings.end() ? "\r\n" : ending->second;
     }
     return text;
 }
@@ -227,13 +200,9 @@ Lines escaped(const std::string& text) {
         std::string line;
         for (std::size_t at = begin; at < end; ++at) {
             const char byte = text[at];
-            const auto value = static_cast<unsigned char>(byte);
             const bool is_last_blank = byte == ' ' && at + 1 == end && is_crlf;
-            if (byte >= ' ' && byte <= '~' && byte != '$' && !is_last_blank) {
-                line += byte;
-            } else {
-                line += {'$', 'x', "0123456789abcdef"[value / 16], "0123456789abcdef"[value % 16]};
-            }
+            const bool is_plain = byte >= ' ' && byte <= '~' && byte != '$' && !is_last_blank;
+            line += is_plain ? std::string(1, byte) : "$x" + hexadecimal({byte});
         }
         for (const std::size_t size : {46U, 44U, 38U, 30U, 28U}) {
             replace_all(line, key(size), "$KEY" + std::to_string(size));
@@ -247,7 +216,8 @@ Lines escaped(const std::string& text) {
     return lines;
 }
 
-std::string with_head(const std::string& text) {
+std::string session(const Lines& lines) {
+    const std::string text = unescaped(lines);
     return text.size() > 1 && text[0] != 'v' && text[1] == '=' ? head("10.0.0.1") + text : text;
 }
 
@@ -257,11 +227,9 @@ std::string without_head(const std::string& text, const std::string& address) {
 }
 
 Lines plain_lines(const std::string& text) {
-    Lines lines = split(text, "\n");
-    for (std::string& line : lines) {
-        line = std::regex_replace(line, blanks, " ");
-        line.erase(0, line.find_first_not_of(' '));
-        line.resize(line.find_last_not_of(" \r") + 1);
+    Lines lines;
+    for (const std::string_view line : sdp::split(text, "\n")) {
+        lines.push_back(joined(sdp::tokens(line), " "));
     }
     trim(lines);
     return lines;

@@ -36,12 +36,9 @@ std::string text_of(const CaseFile& file);
 // Returns each alternative of a block, with the lines around it.
 std::vector<Lines> alternatives(const Lines& block);
 
-// Returns the texts behind the alternatives of a block; and the block with other texts.
+// Returns the texts behind the alternatives of a block; and replaces them.
 std::vector<Lines> answers(const Lines& block);
-Lines with_answers(const Lines& block, const std::vector<Lines>& texts);
-
-// Turns blocks into alternatives.
-Lines joined(const std::vector<Lines>& blocks);
+void write_answers(Lines& block, const std::vector<Lines>& texts);
 
 // Returns the parts of lines that match a regular expression, without lines that do not.
 Lines matching(const Lines& lines, const std::string& pattern);
@@ -50,8 +47,12 @@ Lines matching(const Lines& lines, const std::string& pattern);
 std::string unescaped(const Lines& lines);
 Lines escaped(const std::string& text);
 
-// Adds the usual five lines of a session if a text needs them; and removes them.
-std::string with_head(const std::string& text);
+void replace_all(std::string& text, const std::string& from, const std::string& to);
+
+// Returns a description from lines of a case, with the usual five lines if it needs them.
+std::string session(const Lines& lines);
+
+// Removes the usual five lines of a session at an address.
 std::string without_head(const std::string& text, const std::string& address);
 
 // Splits a text into lines, with runs of blanks as one.

@@ -89,8 +89,8 @@ class Misuse(unittest.TestCase):
                command, option, address, "a")
               for command, option in (("move", "--address"), ("answer", "--local"),
                                       ("answer", "--public"))
-              for address in ("host", "10.0.0", "10.0.0.256", "224.0.0.1", "ff02::1", "0.0.0.0",
-                              "::"))))
+              for address in ("host", "10.0.0", "10.0.0.256", "010.0.0.1", "10.0.0.1 ",
+                              "224.0.0.1", "ff02::1", "fe80::1%eth0", "0.0.0.0", "::"))))
         self.check(qova_answer, (
             ("--public: ::1 and the local address 127.0.0.1 belong to different address families",
              "--public", "::1", *PORTS),

@@ -15,6 +15,8 @@ import sys
 import tempfile
 import unittest
 
+from options_test import ANSWER, MOVE, PUBLIC
+
 OFFER = (b"v=0\r\no=- 1 1 IN IP4 10.0.0.1\r\ns=-\r\nc=IN IP4 10.0.0.1\r\nt=0 0\r\n"
          b"m=audio 32000 RTP/AVP 8\r\n")
 MOVED = OFFER.replace(b"10.0.0.1", b"203.0.113.5").replace(b"32000", b"40000")
@@ -24,10 +26,6 @@ MESSAGE = b"INVITE sip:a@b SIP/2.0\r\nContent-Type: application/sdp\r\n\r\n"  # 
 KEY = b"SecretKeyMaterialThatNobodyMayEverSeeHere"
 SUITE = b"a=crypto:1 AES_CM_128_HMAC_SHA1_80 inline:"
 SECURE = OFFER.replace(b"AVP", b"SAVP") + SUITE + KEY[:40] + b"\r\n"
-PORTS = ["--audio-port", "40000", "--fax-port", "7000"]
-MOVE = ["move", "--address", "203.0.113.5", *PORTS]
-ANSWER = ["answer", "--local", "192.0.2.1"]
-PUBLIC = ["--public", "203.0.113.5", *PORTS]
 COMMANDS = (["log"], MOVE, ANSWER)
 BACK = "back: qova-sdp move --back --address 10.0.0.1 --audio-port 40000 --fax-port 7000 %s\n"
 

@@ -43,25 +43,29 @@ void check_messages(const Diagnostics& diagnostics, const std::string& text) {
 constexpr std::size_t least_key = 37;
 constexpr std::size_t searched = 12;
 
+// Decodes base64, up to the first other character.
 std::string bytes_of(const std::string& base64) {
     std::string bytes;
-    unsigned bits = 0;
-    unsigned value = 0;
-    for (const char digit : base64) {
-        constexpr std::string_view digits =
-            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        const std::size_t at = digits.find(digit);
-        if (at == std::string_view::npos) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < base64.size(); ++i) {
+        const std::size_t digit = base64_digits.find(base64[i]);
+        if (digit == std::string_view::npos) {
             break;
         }
-        value = (value << 6U | static_cast<unsigned>(at)) & 0xFFFFU;
-        bits += 6;
-        if (bits >= 8) {
-            bits -= 8;
-            bytes += static_cast<char>(value >> bits);
+        value = (value << 6U | digit) & 0xFFFFU;
+        if (i % 4 != 0) {
+            bytes += static_cast<char>(value >> (6 - 2 * (i % 4)));
         }
     }
     return bytes;
+}
+
+std::size_t count(const std::string& text, const std::string& what) {
+    std::size_t found = 0;
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++found;
+    }
+    return found;
 }
 
 // Returns the keys that occur in a text only after "inline:".
@@ -73,12 +77,7 @@ std::vector<std::string> offered_keys(const std::string& text) {
         const std::size_t size = std::min(text.find_first_of("|; \t\r\n", at), text.size()) - at;
         const std::string key = text.substr(at, size);
         const std::string begin = key.substr(0, searched);
-        bool is_elsewhere = false;
-        for (std::size_t other = text.find(begin); other != std::string::npos;
-             other = text.find(begin, other + 1)) {
-            is_elsewhere |= other < method.size() ||
-                            text.compare(other - method.size(), method.size(), method) != 0;
-        }
+        const bool is_elsewhere = count(text, begin) != count(text, "inline:" + begin);
         const bool is_number = begin == std::string(begin.size(), 'A');
         if (size >= least_key && !is_elsewhere && !is_number) {
             keys.push_back(key);
@@ -89,14 +88,12 @@ std::vector<std::string> offered_keys(const std::string& text) {
 
 // Searches for the base64 of a key, and for its first bytes in hexadecimal and decimal.
 void check_without_key(const std::string& shown, const std::string& key) {
-    std::string hexadecimal;
+    const std::string bytes = bytes_of(key).substr(0, 8);
     std::string decimal;
-    for (const char byte : bytes_of(key).substr(0, 8)) {
-        const unsigned value = static_cast<unsigned char>(byte);
-        hexadecimal += {"0123456789abcdef"[value / 16], "0123456789abcdef"[value % 16]};
-        decimal += (decimal.empty() ? "" : ", ") + std::to_string(value);
+    for (const char byte : bytes) {
+        decimal += (decimal.empty() ? "" : ", ") + std::to_string(static_cast<unsigned char>(byte));
     }
-    for (const std::string& form : {key.substr(0, searched), hexadecimal, decimal}) {
+    for (const std::string& form : {key.substr(0, searched), hexadecimal(bytes), decimal}) {
         demand(shown.find(form) == std::string::npos, "a key is shown", shown);
     }
 }
@@ -183,9 +180,9 @@ void check_answer(const std::string& text, const Side& side, Counts& counts) {
     const Answered& answered = first.value;
     ++counts.answered;
     counts.accepted += answered.has_common ? 1U : 0U;
-    demand(all_of(answered.of(sdp::Severity::WARNING)) == all_of(offer.value.warnings),
+    demand(all_of(answered.warnings) == all_of(offer.value.warnings),
            "the warnings differ from the reader's", all_of(answered.diagnostics));
-    check_messages(answered.of(sdp::Severity::REJECTION), text);
+    check_messages(answered.rejections, text);
     const std::string shown = answered.log + all_of(answered.diagnostics);
     check_without_keys(shown + answered.text, text);
     for (const std::string& key : answered.keys) {
@@ -215,29 +212,22 @@ void check_properties(const std::string& text, Counts& counts) {
     counts.readable += is_readable ? 1U : 0U;
     counts.strict += read(text, Role::OFFER, Strictness::STRICT).is_refused() ? 0U : 1U;
 
-    Journey back;
-    back.plan = {address("203.0.113.9"), 31990, 6000};
-    back.options.back = true;
-    Journey merge;
-    merge.plan.audio_port = 32002;
-    merge.options.merge = true;
-    Journey answer;
-    answer.options.role = Role::ANSWER;
-    Journey strict;
-    strict.options.strictness = Strictness::STRICT;
-    for (const Journey& there :
-         {Journey{}, Journey{{address("2001:DB8::0:9"), 31999, 6667}, {}},
-          Journey{{address("10.0.0.1"), 32000, 6666}, {}}, back, merge, answer, strict}) {
-        check_move(text, there, counts);
+    for (const char* const option :
+         {"move 203.0.113.5 40000 7000", "move 2001:DB8::0:9 31999 6667",
+          "move 10.0.0.1 32000 6666", "move 203.0.113.9 31990 6000 back",
+          "move 203.0.113.5 32002 7000 merge", "move 203.0.113.5 40000 7000 strict", "answer"}) {
+        Options options;
+        options.add(option);
+        check_move(text, options.journey, counts);
     }
-    Side narrow;
-    narrow.use_codecs({"PCMU", "AMR-WB"});
-    narrow.use_suites({"AES_CM_128_HMAC_SHA1_32"});
-    narrow.policy.fax = false;
-    Side behind_public("192.168.250.1");
-    behind_public.plan = Journey{}.plan;
-    for (const Side& side : {Side(), Side("2001:db8::1"), narrow, behind_public}) {
-        check_answer(text, side, counts);
+    for (const std::vector<std::string>& lines : std::vector<std::vector<std::string>>{
+             {},
+             {"local 2001:db8::1"},
+             {"codecs PCMU AMR-WB", "suites AES_CM_128_HMAC_SHA1_32", "no-fax"},
+             {"local 192.168.250.1", "public 203.0.113.5 40000 7000"}}) {
+        Options options;
+        std::for_each(lines.begin(), lines.end(), [&](const auto& line) { options.add(line); });
+        check_answer(text, options.side, counts);
     }
 }
 

@@ -124,10 +124,9 @@ TEST(RandomMove, LeavesATextThatReadsAsTheMovedModel) {
         if (moved.is_refused()) {
             continue;
         }
-        const sdp::Reading model =
-            sdp::read(sdp::Description(text), sdp::Role::OFFER, sdp::Strictness::LENIENT);
-        const sdp::Reading reread = sdp::read(sdp::Description(moved.value.text), sdp::Role::OFFER,
-                                              sdp::Strictness::LENIENT);
+        const sdp::Reading model = sdp::read(sdp::Description(text), sdp::Role::OFFER, {});
+        const sdp::Reading reread =
+            sdp::read(sdp::Description(moved.value.text), sdp::Role::OFFER, {});
         model.capability->setPublicAddrPort(UDPAddr(merge.plan.address.ip(), 0),
                                             merge.plan.audio_port, merge.plan.fax_port);
         ASSERT_EQ(model.lines.size(), reread.lines.size());

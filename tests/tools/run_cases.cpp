@@ -11,17 +11,16 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 #include "adapter.h"
 #include "case_file.h"
+#include "cli/files.h"
 #include "properties.h"
 
 namespace {
@@ -29,37 +28,14 @@ namespace {
 namespace fs = std::filesystem;
 using tools::Lines;
 
-std::string read_file(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    if (!(text << in.rdbuf()) && fs::file_size(path) != 0) {
-        throw std::runtime_error("cannot read it");
-    }
-    return text.str();
-}
-
-// Writes all of a file or nothing.
-void write_file(const fs::path& path, const std::string& text) {
-    const fs::path part = path.string() + ".part";
-    std::ofstream(part, std::ios::binary) << text;
-    if (read_file(part) != text) {
-        throw std::runtime_error("cannot write " + part.string());
-    }
-    fs::rename(part, path);
-}
-
 // --- What the tools make of a description --------------------------------------------------------
 
 // A description, and what it is run with.
-struct Run {
+struct Run : tools::Options {
     std::string text;
     std::size_t lines_before = 0;  // in a message
     tools::Diagnostics refusal;
     std::string previous;
-    bool has_options = false;
-    tools::Role role = tools::Role::OFFER;
-    tools::Journey journey;
-    tools::Side side;
 
     explicit Run(const std::string& input) : text(input) {
         const auto found = tools::find(input);
@@ -71,50 +47,12 @@ struct Run {
         }
     }
     tools::Result<tools::Read> reading() const {
-        return tools::read(text, role, tools::Strictness::LENIENT);
+        return tools::read(text, journey.options.role, tools::Strictness::LENIENT);
     }
     Lines shown(const tools::Diagnostics& diagnostics) const {
         return tools::shown(diagnostics, lines_before);
     }
 };
-
-sdp::Plan plan_of(std::istream& words) {
-    std::string address;
-    unsigned short audio_port = 0;
-    unsigned short fax_port = 0;
-    words >> address >> audio_port >> fax_port;
-    return {tools::address(address), audio_port, fax_port};
-}
-
-void add_option(Run& run, const std::string& line) {
-    run.has_options = true;
-    std::istringstream words(line);
-    std::string option;
-    words >> option;
-    using Words = std::istream_iterator<std::string>;
-    if (option == "answer") {
-        run.role = run.journey.options.role = tools::Role::ANSWER;
-    } else if (option == "move") {
-        run.journey.plan = plan_of(words);
-        const std::set<std::string> rest(Words(words), {});
-        run.journey.options.back = rest.count("back") != 0;
-        run.journey.options.merge = rest.count("merge") != 0;
-        run.journey.options.strictness =
-            rest.count("strict") != 0 ? tools::Strictness::STRICT : tools::Strictness::LENIENT;
-    } else if (option == "local") {
-        run.side.policy.address = tools::address(*Words(words));
-    } else if (option == "public") {
-        run.side.plan = plan_of(words);
-    } else if (option == "codecs") {
-        run.side.use_codecs({Words(words), Words()});
-    } else if (option == "suites") {
-        run.side.use_suites({Words(words), Words()});
-    } else if (option == "no-fax") {
-        run.side.policy.fax = false;
-    } else {
-        throw std::invalid_argument("unknown option '" + line + "'");
-    }
-}
 
 Lines passed_through(const Run& run) {
     const std::string log = run.reading().value.log;
@@ -122,58 +60,36 @@ Lines passed_through(const Run& run) {
     return tools::escaped(log.substr(std::min(log.find('\n', at), log.size() - 1) + 1));
 }
 
-Lines crypto(const Run& run) {
-    Lines lines;
-    for (const std::string& crypto : run.reading().value.cryptos) {
-        lines.push_back(tools::escaped(crypto + "\r\n")[0]);
-    }
-    return lines;
-}
-
-// Calls a function with the value, unless there is a refusal.
-template <class T, class Call>
-Lines unless_refused(const Run& run, const tools::Result<T>& result, Call call) {
-    return result.is_refused() ? Lines{"refused: " + run.shown(result.refusal)[0]}
-                               : call(result.value);
-}
-
 Lines moved(const Run& run) {
-    return unless_refused(run, tools::move(run.text, run.journey), [&run](const sdp::Move& moved) {
-        Lines lines = tools::changes(run.text, moved.text, run.journey.plan.address.text());
-        if (!moved.old_address) {
-            lines.emplace_back("no way back");
-        }
-        return lines;
-    });
-}
-
-Lines answer_text(const Run& run, const tools::Answered& answered) {
-    const sdp::MediaAddress& address =
-        run.side.plan ? run.side.plan->address : run.side.policy.address;
-    Lines lines = tools::escaped(tools::without_head(answered.text, address.text()));
-    std::map<std::size_t, int> counts;
-    for (const std::string& key : answered.keys) {
-        const std::string written = tools::base64(key);
-        const int count = ++counts[key.size()];
-        for (std::string& line : lines) {
-            const std::size_t at = line.find(written);
-            if (at != std::string::npos) {
-                line.replace(at, written.size(),
-                             "$FRESH" + std::to_string(key.size()) +
-                                 (count == 1 ? "" : "." + std::to_string(count)));
-            }
-        }
+    const auto moved = tools::move(run.text, run.journey);
+    if (moved.is_refused()) {
+        return {"refused: " + run.shown(moved.refusal)[0]};
+    }
+    Lines lines = tools::changes(run.text, moved.value.text, run.journey.plan.address.text());
+    if (!moved.value.old_address) {
+        lines.emplace_back("no way back");
     }
     return lines;
 }
 
 Lines answer(const Run& run) {
-    return unless_refused(run, tools::answer(run.text, run.side),
-                          [&run](const auto& answered) { return answer_text(run, answered); });
-}
-
-Lines rejected(const Run& run) {
-    return run.shown(tools::answer(run.text, run.side).value.of(sdp::Severity::REJECTION));
+    const auto answered = tools::answer(run.text, run.side);
+    if (answered.is_refused()) {
+        return {"refused: " + run.shown(answered.refusal)[0]};
+    }
+    const sdp::MediaAddress& address =
+        run.side.plan ? run.side.plan->address : run.side.policy.address;
+    Lines lines = tools::escaped(tools::without_head(answered.value.text, address.text()));
+    std::map<std::size_t, int> counts;
+    for (const std::string& key : answered.value.keys) {
+        const int count = ++counts[key.size()];
+        const std::string name =
+            "$FRESH" + std::to_string(key.size()) + (count == 1 ? "" : "." + std::to_string(count));
+        for (std::string& line : lines) {
+            tools::replace_all(line, tools::base64(key), name);
+        }
+    }
+    return lines;
 }
 
 Lines section(const std::string& name, const Run& run) {
@@ -184,7 +100,7 @@ Lines section(const std::string& name, const Run& run) {
         {"warnings", [](const Run& of) { return of.shown(of.reading().value.warnings); }},
         {"log", [](const Run& of) { return tools::plain_lines(of.reading().value.log); }},
         {"passed", passed_through},
-        {"crypto", crypto},
+        {"crypto", [](const Run& of) { return tools::escaped(of.reading().value.crypto); }},
         {"changed",
          [](const Run& of) {
              return Lines{tools::is_changed(of.previous, of.text) ? "yes" : "no"};
@@ -195,7 +111,8 @@ Lines section(const std::string& name, const Run& run) {
              return of.shown(tools::move(of.text, of.journey).value.diagnostics);
          }},
         {"answer", answer},
-        {"rejected", rejected},
+        {"rejected",
+         [](const Run& of) { return of.shown(tools::answer(of.text, of.side).value.rejections); }},
     };
     const auto call = calls.find(name);
     if (call == calls.end()) {
@@ -208,10 +125,8 @@ std::string broken_property(const Run& run) {
     tools::Counts counts;
     try {
         tools::check_properties(run.text, counts);
-        if (run.has_options) {
-            tools::check_move(run.text, run.journey, counts);
-            tools::check_answer(run.text, run.side, counts);
-        }
+        tools::check_move(run.text, run.journey, counts);
+        tools::check_answer(run.text, run.side, counts);
         return "";
     } catch (const tools::Broken& broken) {
         return broken.what() + std::string("\n");
@@ -238,17 +153,16 @@ void count(const std::string& place, const std::string& problem) {
 }
 
 std::vector<Run> runs_of(tools::Case& one) {
-    const auto lines_of = [&one](const char* section) {
-        return one.section(section) == nullptr ? Lines{} : one.section(section)->lines;
+    const auto alternatives_of = [&one](const char* section) {
+        return tools::alternatives(one.section(section) ? one.section(section)->lines : Lines{});
     };
     std::vector<Run> runs;
     for (const Lines& input : tools::alternatives(one.input)) {
-        for (const Lines& options : tools::alternatives(lines_of("with"))) {
-            Run run(tools::with_head(tools::unescaped(input)));
-            const Lines previous = tools::alternatives(lines_of("previous")).front();
-            run.previous = tools::with_head(tools::unescaped(previous));
+        for (const Lines& options : alternatives_of("with")) {
+            Run run(tools::session(input));
+            run.previous = tools::session(alternatives_of("previous").front());
             for (const std::string& option : options) {
-                add_option(run, option);
+                run.add(option);
             }
             runs.push_back(std::move(run));
         }
@@ -256,33 +170,32 @@ std::vector<Run> runs_of(tools::Case& one) {
     return runs;
 }
 
-// Returns what is expected of each alternative: the text behind it, or that of the section.
-std::vector<Lines> expected_of(const tools::Section& section, const Lines* behind,
-                               std::size_t count) {
-    std::vector<Lines> expected = tools::alternatives(section.lines);
-    const std::vector<Lines> answers = behind == nullptr ? expected : tools::answers(*behind);
-    if (behind != nullptr && answers != std::vector<Lines>(answers.size())) {
-        if (!section.lines.empty()) {
-            throw std::invalid_argument("-- " + section.name +
-                                        ": texts here and behind the alternatives");
+// Compares a section of a case. The first one can have different texts for the alternatives of the
+// block before it, behind them.
+void run_section(tools::Section& part, Lines& block, bool is_first, const std::vector<Run>& runs,
+                 std::vector<std::string>& problems) {
+    std::vector<Lines> found;
+    for (const Run& run : runs) {
+        found.push_back(tools::matching(section(part.name, run), part.pattern));
+    }
+    if (is_update) {
+        const bool are_equal = std::equal(found.begin() + 1, found.end(), found.begin());
+        const bool are_behind = is_first && !are_equal;
+        part.lines = are_behind ? Lines{} : found.front();
+        if (is_first) {
+            tools::write_answers(block, are_behind ? found : std::vector<Lines>(found.size()));
         }
-        expected = answers;
     }
-    if (expected.size() == 1) {
-        expected.resize(count, expected.front());
+    std::vector<Lines> expected(runs.size(), part.lines);
+    const std::vector<Lines> behind = tools::answers(block);
+    if (is_first && behind != std::vector<Lines>(behind.size())) {
+        if (!part.lines.empty() || behind.size() != runs.size()) {
+            throw std::invalid_argument("texts behind the alternatives and in other places");
+        }
+        expected = behind;
     }
-    if (expected.size() != count) {
-        throw std::invalid_argument("-- " + section.name + ": wrong number of alternatives");
-    }
-    return expected;
-}
-
-void write_down(tools::Section& section, Lines* behind, const std::vector<Lines>& found) {
-    const bool are_equal = std::equal(found.begin() + 1, found.end(), found.begin());
-    const std::vector<Lines> nothing(found.size());
-    section.lines = are_equal ? found.front() : behind != nullptr ? Lines{} : tools::joined(found);
-    if (behind != nullptr && found.size() > 1) {
-        *behind = tools::with_answers(*behind, are_equal ? nothing : found);
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        problems[i] += diff(part.name + " " + part.pattern, expected[i], found[i]);
     }
 }
 
@@ -296,32 +209,21 @@ void run_case(const std::string& place, tools::Case& one) {
     }
     std::vector<std::string> problems;
     std::transform(runs.begin(), runs.end(), std::back_inserter(problems), broken_property);
-    // The block with the alternatives, until the first section is compared with the texts behind
-    // them.
     tools::Section* const with = one.section("with");
-    Lines* behind =
-        tools::answers(one.input).empty() && with != nullptr ? &with->lines : &one.input;
+    Lines& block = tools::answers(one.input).empty() && with != nullptr ? with->lines : one.input;
+    bool is_first = true;
     for (tools::Section& part : one.sections) {
-        if (part.name == "with" || part.name == "previous") {
-            continue;
+        if (part.name != "with" && part.name != "previous") {
+            run_section(part, block, is_first, runs, problems);
+            is_first = false;
         }
-        std::vector<Lines> found;
-        for (const Run& run : runs) {
-            found.push_back(tools::matching(section(part.name, run), part.pattern));
-        }
-        if (is_update) {
-            write_down(part, behind, found);
-        }
-        const std::vector<Lines> expected = expected_of(part, behind, runs.size());
-        for (std::size_t i = 0; i < runs.size(); ++i) {
-            problems[i] += diff(part.name + " " + part.pattern, expected[i], found[i]);
-        }
-        behind = nullptr;
+    }
+    if (is_first) {
+        throw std::invalid_argument("the case has no sections (use --update to add them)");
     }
     for (std::size_t i = 0; i < runs.size(); ++i) {
         count(place + (runs.size() == 1 ? "" : " (alternative " + std::to_string(i + 1) + ")"),
-              behind == nullptr ? problems[i]
-                                : "the case has no sections (use --update to add them)\n");
+              problems[i]);
     }
 }
 
@@ -345,35 +247,33 @@ void run_cases(const fs::path& path) {
 void run_sample(const fs::path& path) {
     Run run(read_file(path));
     if (path.stem().string().find("answer") != std::string::npos) {
-        add_option(run, "answer");
+        run.add("answer");
     }
-    const auto reading = run.reading();
-    const auto moved = tools::move(run.text, run.journey);
-    std::map<std::string, std::string> texts = {
-        {".log", reading.value.log},
-        {".warnings", ""},
-        {".refused", moved.is_refused() ? run.shown(moved.refusal)[0] + "\n" : ""}};
-    for (const sdp::Diagnostic& warning : reading.value.warnings) {
-        texts[".warnings"] += sdp::printed(warning, "").substr(1) + "\n";
+    const tools::Read reading = run.reading().value;
+    const tools::Diagnostics refusal = tools::move(run.text, run.journey).refusal;
+    std::string warnings;
+    for (const sdp::Diagnostic& warning : reading.warnings) {
+        warnings += sdp::printed(warning, "").substr(1) + "\n";
     }
+    const std::pair<const char*, std::string> texts[] = {
+        {".log", reading.log},
+        {".warnings", warnings},
+        {".refused", refusal.empty() ? "" : run.shown(refusal)[0] + "\n"}};
     std::string problem = broken_property(run);
     for (const auto& [extension, text] : texts) {
-        fs::path file = path;
-        file.replace_extension(extension);
+        const fs::path file = fs::path(path).replace_extension(extension);
         if (is_update) {
             text.empty() ? void(fs::remove(file)) : write_file(file, text);
         }
         const std::string expected = fs::exists(file) ? read_file(file) : "";
-        problem += diff(file.string(), tools::plain_lines(expected), tools::plain_lines(text));
-        problem += problem.empty() && expected != text ? "blanks differ\n" : "";
+        problem += diff(file, tools::escaped(expected), tools::escaped(text));
     }
     count(path.string(), problem);
 }
 
 void run_path(const fs::path& path) {
     if (fs::is_directory(path)) {
-        const std::set<fs::path> entries(fs::directory_iterator(path), {});
-        for (const fs::path& entry : entries) {
+        for (const fs::path& entry : std::set<fs::path>(fs::directory_iterator(path), {})) {
             if (entry.extension() == ".sdp") {
                 run_sample(entry);
             }
@@ -386,10 +286,9 @@ void run_path(const fs::path& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<std::string> arguments(argv + 1, argv + argc);
-    is_update = !arguments.empty() && arguments.front() == "--update";
-    arguments.erase(arguments.begin(), arguments.begin() + (is_update ? 1 : 0));
-    for (const std::string& path : arguments) {
+    is_update = argc > 1 && argv[1] == std::string("--update");
+    for (const std::string& path :
+         std::vector<std::string>(argv + (is_update ? 2 : 1), argv + argc)) {
         try {
             run_path(path);
         } catch (const std::exception& error) {

@@ -77,16 +77,16 @@ class Scenario:
         self.variables = 0
         self.sequence = 0
         self.target = "sip:qova@[remote_ip]:[remote_port];transport=tcp"
-        self.sent = 0  # the step of the last request with a transaction of its own
 
-    def request(self, method, *body, kind="application/sdp", headers=(), sequence=None,
-                branch="[branch]"):
+    def text(self, message):
+        self.steps.append(f"<send><![CDATA[\n{message}\n\n]]></send>")
+
+    def send(self, method, *body, kind="application/sdp", headers=(), sequence=None,
+             branch="[branch]"):
         if sequence is None:
             self.sequence += method != "ACK"
             sequence = self.sequence
-        if method != "ACK":
-            self.sent = len(self.steps)
-        return "\n".join([
+        self.text("\n".join([
             f"{method} {self.target} SIP/2.0",
             f"Via: SIP/2.0/[transport] [local_ip]:[local_port];branch={branch}",
             "Max-Forwards: 70",
@@ -98,13 +98,7 @@ class Scenario:
             *headers,
             *([f"Content-Type: {kind}"] if body else []),
             "Content-Length: [len]" if body else "Content-Length: 0",
-            "", *body])
-
-    def text(self, message):
-        self.steps.append(f"<send><![CDATA[\n{message}\n\n]]></send>")
-
-    def send(self, method, *body, **options):
-        self.text(self.request(method, *body, **options))
+            "", *body]))
 
     def expect(self, what, *checks):
         """Expects a status or a method, and regular expressions that match its text, or do not if
@@ -121,20 +115,21 @@ class Scenario:
         has_contact = what == "200" and self.target != "[next_url]"
         if has_contact:
             self.target = "[next_url]"
-        self.steps.append(f"<recv {kind}=\"{what}\" rrs=\"{str(has_contact).lower()}\" "
-                          f"timeout=\"{SECONDS * 1000}\"><action>{''.join(actions)}</action></recv>")
+        self.steps.append(
+            f"<recv {kind}=\"{what}\" rrs=\"{str(has_contact).lower()}\" "
+            f"timeout=\"{SECONDS * 1000}\"><action>{''.join(actions)}</action></recv>")
 
     def exchange(self, method, status, *checks, body=(), answer=(), **options):
         """Sends a request, expects its final response, and sends the ACK of an INVITE."""
         self.send(method, *body, **options)
         self.expect(status, f"^CSeq: {self.sequence} {method}$", *checks)
         if method == "INVITE":
-            # The ACK of a refusal belongs to the transaction of its request.
-            branch = "[branch]" if status == "200" else f"[branch-{len(self.steps) - self.sent}]"
-            self.send("ACK", *answer, branch=branch)
+            # The ACK of a refusal belongs to the transaction of its request, two steps before.
+            self.send("ACK", *answer, branch="[branch]" if status == "200" else "[branch-2]")
 
-    def respond(self):
-        """Responds to the last request."""
+    def respond(self, method):
+        """Expects a request and responds to it."""
+        self.expect(method)
         self.text("SIP/2.0 200 OK\n[last_Via:]\n[last_From:]\n[last_To:]\n[last_Call-ID:]\n"
                   "[last_CSeq:]\nContent-Length: 0")
 

@@ -48,7 +48,7 @@ protected:
     const QOVA_Media& audio = *offer.filteredMedia.front();
 };
 
-TEST_F(CountedAllocations, CopyMakesOneForEachObjectAndListNode) {
+TEST_F(CountedAllocations, OnePerCopiedObjectAndNode) {
     EXPECT_EQ(made_by([&] { const QOVA_Capability copy(offer); }), blocks);
     EXPECT_EQ(made_by([&] { same = offer; }), blocks);
     EXPECT_EQ(made_by([&] { const std::unique_ptr<QOVA_Media> copy(audio.clone()); }),
@@ -64,7 +64,7 @@ TEST_F(CountedAllocations, EqualityMakesNone) {
     EXPECT_EQ(made_by([&] { EXPECT_TRUE(offer == same); }), 0U);
 }
 
-TEST_F(CountedAllocations, SearchesMakeOnlyTheNodesOfAList) {
+TEST_F(CountedAllocations, SearchesMakeOnlyListNodes) {
     EXPECT_EQ(made_by([&] {
                   EXPECT_NE(offer.find(CODEC_G729), nullptr);
                   EXPECT_EQ(offer.find(CODEC_OPUS), nullptr);
@@ -76,7 +76,7 @@ TEST_F(CountedAllocations, SearchesMakeOnlyTheNodesOfAList) {
     EXPECT_EQ(made_by([&] { offer.find(QOVA_Media::MT_AUDIO, QOVA_Media::MS_UNKNOWN); }), 1U);
 }
 
-TEST_F(CountedAllocations, EditsMakeOnlyTheNewAddresses) {
+TEST_F(CountedAllocations, EditsMakeOnlyAddresses) {
     const UDPAddr to = endpoint("192.0.2.100");
     EXPECT_EQ(made_by([&] { offer.setPublicAddrPort(to, 40000, 7000); }), 2U);
     EXPECT_EQ(made_by([&] { offer.setLocalAddrPort(to, 40000, 7000); }), 2U);
@@ -87,8 +87,8 @@ TEST_F(CountedAllocations, EditsMakeOnlyTheNewAddresses) {
               0U);
 }
 
-// The names of the crypto suites are strings of the companion.
-TEST_F(CountedAllocations, TextMakesOneBesidesTheNamesOfTheSuites) {
+// The companion allocates the name of each crypto suite.
+TEST_F(CountedAllocations, TextMakesOneAndSuiteNames) {
     offer.passThrough = std::string(10000, 'x');
     std::string text;
     EXPECT_EQ(made_by([&] { text = std::string(offer); }), 1 + crypto_lines);
@@ -97,7 +97,7 @@ TEST_F(CountedAllocations, TextMakesOneBesidesTheNamesOfTheSuites) {
     EXPECT_EQ(made_by([&] { text = std::string(QOVA_FaxAttribute()); }), 1U);
 }
 
-TEST_F(CountedAllocations, TextAsksForEachParameterTextOnce) {
+TEST_F(CountedAllocations, ParameterTextsAreMadeOnce) {
     const auto made_by_text_of = [](const auto& object) {
         return made_by([&] { static_cast<void>(static_cast<const std::string>(object)); });
     };

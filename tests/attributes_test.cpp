@@ -78,7 +78,7 @@ TYPED_TEST(EachAttribute, CloneIsIndependent) {
     EXPECT_EQ(describe(*clone), describe(*this->like));
 }
 
-TYPED_TEST(EachAttribute, EqualsAnAttributeWithTheSameFields) {
+TYPED_TEST(EachAttribute, EqualsOneWithTheSameFields) {
     expect_equal(this->base, this->base);
     expect_equal(this->base, *this->like);
 }
@@ -113,7 +113,7 @@ TYPED_TEST(EachAttribute, IsAsymmetricWithADerivedClass) {
     expect_unequal(*derived, *derived);
 }
 
-TEST(AttributeEquality, IsAlwaysFalseWithoutAnOverride) {
+TEST(AttributeEquality, IsFalseWithoutOverride) {
     const OwnAttribute own;
     expect_unequal<QOVA_MediaAttribute>(own, own);
 }

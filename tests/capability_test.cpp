@@ -149,7 +149,7 @@ TEST_P(CapabilityCopy, HasTheDefaults) {
     EXPECT_EQ(describe(*copy(Capability())), describe(Capability()));
 }
 
-TEST_P(CapabilityCopy, HasEveryByteOfThePassThroughText) {
+TEST_P(CapabilityCopy, HasTheWholePassThroughText) {
     source->passThrough = std::string("a\0b\n\xFF\0", 6);
     EXPECT_EQ(copy(*source)->passThrough, source->passThrough);
 }
@@ -169,14 +169,14 @@ TEST_P(CapabilityCopy, IsIndependentOfItsSource) {
     EXPECT_EQ(describe(*result), full_description);
 }
 
-TEST_P(CapabilityCopy, ChangesWithoutChangingItsSource) {
+TEST_P(CapabilityCopy, LeavesItsSourceUnchanged) {
     Owned result = copy(*source);
     scramble(*result);
     result.reset();
     EXPECT_EQ(describe(*source), full_description);
 }
 
-TEST(CopyOfDerivedMedia, KeepsItsClassOnlyInCopyConstruction) {
+TEST(CopyOfDerivedMedia, IsPlainOnlyAfterAssignment) {
     Capability source;
     append_media<Derived<Media>>(source, Media::MT_VIDEO);
     const Capability copy(source);
@@ -189,7 +189,7 @@ TEST(CopyOfDerivedMedia, KeepsItsClassOnlyInCopyConstruction) {
 }
 
 // There is no guard against self-assignment, and programs can observe that.
-TEST(CapabilityAssignment, ToItselfFreesTheMediaAndKeepsTheRest) {
+TEST(CapabilityAssignment, ToItselfFreesTheMedia) {
     const Owned capability = full<Capability>();
     const Owned expected = full<Capability>();
     for (auto media = expected->filteredMedia.begin(); media != expected->filteredMedia.end();) {
@@ -213,19 +213,19 @@ protected:
     Capability b;
 };
 
-TEST_F(CapabilityEquality, IsTrueForEmptyOnesAndForItself) {
+TEST_F(CapabilityEquality, IsTrueIfEmptyOrTheSame) {
     expect_equal(a, b);
     fill(a);
     a.passThrough.clear();
     expect_equal(a, a);
 }
 
-TEST_F(CapabilityEquality, FailsWithAMediaThatDoesNotEqualItself) {
+TEST_F(CapabilityEquality, CanBeFalseForItself) {
     qova::append<OwnAttribute>(append_comparable(a, Media::MT_AUDIO).attributes);
     EXPECT_FALSE(a == a);
 }
 
-TEST_F(CapabilityEquality, IgnoresTheMediaWhenBothHaveAPassThroughText) {
+TEST_F(CapabilityEquality, PassThroughTextHidesMedia) {
     a.passThrough = b.passThrough = "the same";
     append_media(a, Media::MT_AUDIO);
     expect_equal(a, b);
@@ -233,7 +233,7 @@ TEST_F(CapabilityEquality, IgnoresTheMediaWhenBothHaveAPassThroughText) {
     expect_equal(a, b);
 }
 
-TEST_F(CapabilityEquality, ComparesEveryByteOfThePassThroughText) {
+TEST_F(CapabilityEquality, ComparesWholePassThrough) {
     a.passThrough = std::string("a\0b", 3);
     for (const std::string& other :
          {std::string("a\0c", 3), std::string("a"), std::string("a\0b\0", 4), std::string()}) {
@@ -260,7 +260,7 @@ TEST_F(CapabilityEquality, ComparesTheMediaPairByPair) {
 }
 
 // Unlike the lists within a media.
-TEST_F(CapabilityEquality, RequiresTheSameNumberOfMedia) {
+TEST_F(CapabilityEquality, ComparesTheNumberOfMedia) {
     append_comparable(a, Media::MT_AUDIO);
     expect_unequal(a, b);
     append_comparable(b, Media::MT_AUDIO);
@@ -295,7 +295,7 @@ protected:
     Capability capability;
 };
 
-TEST_F(CapabilitySearch, ByKindAndStatusReturnsAllInListOrder) {
+TEST_F(CapabilitySearch, ByKindAndStatusReturnsAll) {
     auto& accepted = append_media(capability, Media::MT_AUDIO);
     auto& fax = append_media(capability, Media::MT_FAX);
     auto& rejected = append_media(capability, Media::MT_AUDIO, Media::MS_REJECTED);
@@ -321,7 +321,7 @@ TEST_F(CapabilitySearch, ByCodecReturnsTheFirstMedia) {
     EXPECT_EQ(capability.find(CODEC_G711_ALAW), nullptr);
 }
 
-TEST_F(CapabilitySearch, ByToneCodecReturnsTheFirstAttribute) {
+TEST_F(CapabilitySearch, ByToneCodecReturnsTheFirst) {
     append_audio(append_media(capability, Media::MT_AUDIO), CODEC_G722, CODEC_G723);
     auto& audio = append_media(capability, Media::MT_AUDIO);
     append_audio(audio, CODEC_G722, CODEC_G729);
@@ -331,7 +331,7 @@ TEST_F(CapabilitySearch, ByToneCodecReturnsTheFirstAttribute) {
     EXPECT_EQ(capability.find_mf(CODEC_OPUS), nullptr);
 }
 
-TEST_F(CapabilitySearch, ByTransportReturnsTheFirstMedia) {
+TEST_F(CapabilitySearch, ByTransportReturnsTheFirst) {
     append_fax(append_media(capability, Media::MT_FAX), FT_T38_TCP);
     auto& first = append_media(capability, Media::MT_FAX);
     append_fax(first, FT_T38_UDPTL);
@@ -381,7 +381,7 @@ TEST(MuteCapability, HasAMuteAudioMedia) {
 
 // ---- Bulk edits ----
 
-TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfTheKind) {
+TEST(RejectMedia, ClearsFirstPortsOfTheFirst) {
     Capability capability;
     append_media(capability, Media::MT_FAX);
     auto& first = append_media(capability, Media::MT_AUDIO, Media::MS_MODIFIED);
@@ -398,13 +398,13 @@ TEST(RejectMedia, ClearsTheFirstPortsOfTheFirstMediaOfTheKind) {
     EXPECT_EQ(describe(capability), before) << "nothing else changes";
 }
 
-TEST(RejectMedia, ChangesNothingWithoutMediaOfTheKind) {
+TEST(RejectMedia, ChangesNothingWithoutAMatch) {
     const Owned capability = full<Capability>();
     capability->rejectMedia(Media::MT_VIDEO);
     EXPECT_EQ(describe(*capability), describe(*full<Capability>()));
 }
 
-TEST(ClearMediaDirection, ClearsBothDirectionsOfAudioMediaOnly) {
+TEST(ClearMediaDirection, ChangesAudioMediaOnly) {
     Capability capability;
     for (const int type : {1, 0, 1, 2, 3, 4, 1}) {
         append_media(capability, static_cast<Media::e_MediaType>(type));
@@ -509,7 +509,7 @@ TEST_P(EitherMove, SkipsOnlyRejectedMedia) {
     EXPECT_EQ(next.address->ToString(), "2001:db8::1");
 }
 
-TEST_P(EitherMove, GivesEachMediaItsOwnCopyOfTheAddress) {
+TEST_P(EitherMove, GivesEachMediaItsOwnAddress) {
     auto& first = append_media(capability, Media::MT_AUDIO);
     qova::replace(first.address, std::unique_ptr<INetAddress>());  // null is replaced, too
     auto& second = append_media(capability, Media::MT_VIDEO);
@@ -543,7 +543,7 @@ TEST(CapabilityText, FullCapability) {
               "\n");
 }
 
-TEST(CapabilityText, IsOneLineWithoutNewlineWhenEmpty) {
+TEST(CapabilityText, HasNoNewlineWhenEmpty) {
     EXPECT_EQ(std::string(Capability()), summary);
 }
 
@@ -554,7 +554,7 @@ TEST(CapabilityText, EndsWithTheLastMedia) {
     EXPECT_EQ(std::string(capability), summary + "\n\tFiltered=\n" + first + last);
 }
 
-TEST(CapabilityText, HasEveryByteOfThePassThroughText) {
+TEST(CapabilityText, HasTheWholePassThroughText) {
     Capability capability;
     capability.passThrough = std::string("\0a\n\xFF\n\n", 6);
     EXPECT_EQ(std::string(capability),

@@ -128,7 +128,7 @@ INSTANTIATE_TEST_SUITE_P(Equality, CryptoField, testing::ValuesIn(crypto_fields)
 
 class CryptoKeyField : public testing::TestWithParam<Change<QOVA_CryptoKey>> {};
 
-TEST_P(CryptoKeyField, IsComparedInEveryKeyOfTheShorterList) {
+TEST_P(CryptoKeyField, IsComparedInEveryPair) {
     QOVA_CryptoKey other = K2;
     GetParam().apply(other);
     expect_unequal(crypto_of({K2, K1}), crypto_of({other, K1}));
@@ -166,7 +166,7 @@ TEST(CryptoText, HasOneLineForAllKeys) {
 }
 
 // So different MKIs can have the same text: 12, 3 and 1, 23.
-TEST(CryptoText, PrintsTheMkiAsNumbersWithoutSeparator) {
+TEST(CryptoText, PrintsMkiWithoutSeparators) {
     QOVA_CryptoKey key = {};
     const unsigned char bytes[] = {0, 9, 10, 48, 65, 99, 128, 255};
     std::copy(std::begin(bytes), std::end(bytes), std::begin(key.mki));

@@ -50,7 +50,7 @@ public:
     std::string text;
 };
 
-// ---- Classes that log in a journal how the library calls them ----
+// ---- Classes that log the library's calls in a journal ----
 
 // The calls to the classes below, one entry per line. Writing an entry does not allocate.
 class Journal {
@@ -72,7 +72,7 @@ public:
         made_before = allocations::made();
     }
 
-    // From now on, an entry also has the number of allocations since the entry before.
+    // From now on, an entry also has the number of allocations since the previous one.
     void count_allocations() {
         counting = true;
         made_before = allocations::made();

@@ -121,7 +121,7 @@ TEST_P(EnumerationNames, HaveAFallback) {
     expect_fallback(INT_MAX);
 }
 
-TEST(CodecNames, CarryTheNumberOfADynamicPayloadType) {
+TEST(CodecNames, ShowDynamicPayloadTypes) {
     for (int type = 96; type <= 127; ++type) {
         EXPECT_EQ(ToString(static_cast<QOVA_Codec>(type)), "DYN(" + std::to_string(type) + ")");
     }

@@ -267,7 +267,7 @@ TEST(FailedMove, LeavesAMediaWithoutAddress) {
 
 // ---- The order of allocations, recognised by their sizes ----
 
-TEST(AllocationOrder, IsAddressAmrwbOpusForAMediaAndForItsCopy) {
+TEST(AllocationOrder, OfAMediaAndItsCopy) {
     const std::vector<std::size_t> blocks = {sizeof(IPAddress), sizeof(Sdp::Sdp_Amrwb_Param),
                                              sizeof(Sdp::Sdp_Opus_Param)};
     EXPECT_EQ(sweep(making([] { const QOVA_Media made; })).blocks, blocks);
@@ -275,7 +275,7 @@ TEST(AllocationOrder, IsAddressAmrwbOpusForAMediaAndForItsCopy) {
     EXPECT_EQ(sweep(making([&] { copy(source); })).blocks, blocks);
 }
 
-TEST(OrderOfBlocks, OfACopiedCapabilityBeginsWithItsPassThroughText) {
+TEST(AllocationOrder, CopyBeginsWithPassThrough) {
     QOVA_Capability source;
     append_media(source, QOVA_Media::MT_AUDIO);
     source.passThrough.assign(999, 'x');

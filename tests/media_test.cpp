@@ -21,7 +21,7 @@ namespace {
 using Media = QOVA_Media;
 using Owned = std::unique_ptr<Media>;
 
-TEST(MediaDefaults, AreAcceptedWithoutKindAndWithTheAnyAddress) {
+TEST(MediaDefaults, AreAcceptedAndUnspecified) {
     EXPECT_EQ(describe(*Owned(new Media)),
               "QOVA_Media mediaStatus=1 mediaType=0 bsnd=1 brcv=1 sndPort=0 rcvPort=0 sndPort2=0"
               " rcvPort2=0 cryptoCount=0\n"
@@ -137,25 +137,25 @@ TEST_P(MediaCopy, IsIndependentOfItsSource) {
     EXPECT_EQ(describe(*result), full_description);
 }
 
-TEST_P(MediaCopy, ChangesWithoutChangingItsSource) {
+TEST_P(MediaCopy, LeavesItsSourceUnchanged) {
     Owned result = copy(*source);
     scramble(*result);
     result.reset();
     EXPECT_EQ(describe(*source), full_description);
 }
 
-TEST_P(MediaCopy, IsPlainWhenTheSourceDoesNotOverrideClone) {
+TEST_P(MediaCopy, IsPlainWithoutACloneOverride) {
     EXPECT_EQ(describe(*copy(*full<WithoutClone<Media>>())), full_description);
 }
 
-TEST_P(MediaCopy, KeepsTheClassOfItsAttributesAndCryptoLines) {
+TEST_P(MediaCopy, KeepsTheClassesOfItsElements) {
     fill(qova::append<Derived<QOVA_VideoAttribute>>(source->attributes));
     qova::append<OwnAttribute>(source->attributes);
     fill(qova::append<Derived<QOVA_Crypto>>(source->cryptos));
     EXPECT_EQ(describe(*copy(*source)), describe(*source));
 }
 
-TEST(MediaAssignment, ToItselfChangesAndFreesNothing) {
+TEST(MediaAssignment, ToItselfDoesNothing) {
     const Owned media = full<Media>();
     const std::string before = describe(*media, PLACES);
     const Media& same = *media;
@@ -211,14 +211,14 @@ protected:
     Media b;
 };
 
-TEST(MediaEqualityByIdentity, IsTrueForItselfButNotForACopy) {
+TEST(MediaEqualityByIdentity, EqualsItselfNotACopy) {
     const Owned media = full<Media>();
     expect_equal(*media, *media);
     const Media copy(*media);
     expect_unequal(*media, copy);
 }
 
-TEST_F(MediaEquality, ComparesParameterObjectsByIdentity) {
+TEST_F(MediaEquality, ComparesParametersByIdentity) {
     Sdp::Sdp_Amrwb_Param amrwb;
     Sdp::Sdp_Opus_Param opus;
     a.amrwbParam = b.amrwbParam = &amrwb;
@@ -244,7 +244,7 @@ TEST_F(MediaEquality, ComparesAddressesNotSpellings) {
     expect_equal(a, b);
 }
 
-TEST_F(MediaEquality, HandsOnEveryByteOfTheOtherAddress) {
+TEST_F(MediaEquality, UsesTheWholeAddressText) {
     struct Exact : OwnAddress {
         using OwnAddress::OwnAddress;
         bool IsEqual(const std::string& other) const override { return other == text; }
@@ -254,7 +254,7 @@ TEST_F(MediaEquality, HandsOnEveryByteOfTheOtherAddress) {
     expect_equal(a, b);
 }
 
-TEST_F(MediaEquality, StopsAtTheShorterListOfAttributes) {
+TEST_F(MediaEquality, IgnoresExtraAttributes) {
     append_audio(a, CODEC_G711_ALAW);
     append_fax(a, FT_T38_TCP);
     expect_equal(a, b);
@@ -264,7 +264,7 @@ TEST_F(MediaEquality, StopsAtTheShorterListOfAttributes) {
     expect_unequal(a, b);
 }
 
-TEST_F(MediaEquality, StopsAtTheShorterListOfCryptoLines) {
+TEST_F(MediaEquality, IgnoresExtraCryptoLines) {
     append_crypto(a, 1);
     append_crypto(a, 2);
     expect_equal(a, b);
@@ -274,20 +274,20 @@ TEST_F(MediaEquality, StopsAtTheShorterListOfCryptoLines) {
     expect_unequal(a, b);
 }
 
-TEST_F(MediaEquality, ComparesCryptoLinesAfterAnEmptyListOfAttributes) {
+TEST_F(MediaEquality, ComparesBothListsSeparately) {
     append_audio(a, CODEC_G711_ALAW);
     append_crypto(a, 1);
     append_crypto(b, 2);
     expect_unequal(a, b);
 }
 
-TEST_F(MediaEquality, IsFalseWithAnAttributeThatEqualsNothing) {
+TEST_F(MediaEquality, CanBeFalseForItself) {
     qova::append<OwnAttribute>(a.attributes);
     EXPECT_FALSE(a == a);
 }
 
 // Only the line on the right must be exactly a QOVA_Crypto.
-TEST_F(MediaEquality, IsAsymmetricWithADerivedCryptoLine) {
+TEST_F(MediaEquality, IsAsymmetricWithDerivedLines) {
     qova::append<Derived<QOVA_Crypto>>(a.cryptos);
     append_crypto(b, 0);
     EXPECT_TRUE(a == b);
@@ -308,7 +308,7 @@ TEST_F(MediaSearch, FindsNothingInAnEmptyList) {
     EXPECT_EQ(media.find(Media::AT_NIL, Media::MS_UNKNOWN), nullptr);
 }
 
-TEST_F(MediaSearch, ByCodecAndByToneCodecAreIndependent) {
+TEST_F(MediaSearch, SeparatesCodecFromToneCodec) {
     const auto& g729 = append_audio(media, CODEC_G729, CODEC_G711_ALAW);
     const auto& alaw = append_audio(media, CODEC_G711_ALAW, payload_type(101));
     EXPECT_EQ(media.find(CODEC_G711_ALAW), &alaw);
@@ -375,7 +375,7 @@ TEST_F(MediaSearch, FindsDerivedClassesInListOrder) {
     EXPECT_EQ(media.find(FT_T38_UDPTL), nullptr);
 }
 
-TEST_F(MediaSearch, FindsASiblingBaseUnlessItIsPrivate) {
+TEST_F(MediaSearch, FindsOnlyAPublicSiblingBase) {
     struct Private : OwnAttribute, private QOVA_AudioAttribute {};
     struct Public : OwnAttribute, QOVA_AudioAttribute {};
     qova::append(media.attributes, std::unique_ptr<OwnAttribute>(new Private));
@@ -458,11 +458,11 @@ TEST(MediaText, FullMedia) {
               ", key=(lifetime=4294967295 / mki=30000000 / mkiSize=1)\n");
 }
 
-TEST(MediaText, HasBothHeadersOnOneLineWithoutAttributes) {
+TEST(MediaText, HasBothHeadersOnOneLine) {
     EXPECT_EQ(std::string(Media()), header + "\t   Attributes :\t   Crypto attributes (0) :\n");
 }
 
-TEST(MediaText, ShowsTheCryptoCountAndNotTheLengthOfTheList) {
+TEST(MediaText, ShowsCryptoCountNotListLength) {
     Media media;
     media.cryptoCount = 4294967295U;
     append_crypto(media, 7);
@@ -473,7 +473,7 @@ TEST(MediaText, ShowsTheCryptoCountAndNotTheLengthOfTheList) {
                                       "\t\ttag=8, algo=NIL\n");
 }
 
-TEST(MediaText, PrintsPortsUnsignedAndDirectionsAsDigits) {
+TEST(MediaText, PrintsPortsAndDirections) {
     Media media;
     media.brcv = false;
     media.sndPort = 65535;

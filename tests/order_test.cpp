@@ -115,7 +115,7 @@ TEST_F(MediaOrder, Assignment) {
               "clone c2\n");
 }
 
-// ---- What the owned objects see of their owner meanwhile ----
+// ---- What the owned objects see of their owner during an assignment ----
 
 // Writes the target's fields when it is freed, copied or cloned.
 template <class Base>
@@ -224,7 +224,7 @@ protected:
 };
 
 // Crypto lines of a derived class are never equal, but they are compared last.
-TEST_F(MediaEqualityOrder, IsOtherAddressThisAddressAttributesCryptoLines) {
+TEST_F(MediaEqualityOrder, ComparesCryptoLinesLast) {
     EXPECT_TRUE(left == right);
     give_crypto(left, "left c1");
     give_crypto(right, "right c1");
@@ -239,7 +239,7 @@ TEST_F(MediaEqualityOrder, IsOtherAddressThisAddressAttributesCryptoLines) {
     EXPECT_EQ(journal.text(), until_the_cryptos);
 }
 
-TEST_F(MediaEqualityOrder, StopsWhenThisAddressDiffers) {
+TEST_F(MediaEqualityOrder, StopsIfTheAddressDiffers) {
     dynamic_cast<LoggedAddress&>(*left.address).differs = true;
     EXPECT_FALSE(left == right);
     EXPECT_EQ(journal.text(),
@@ -248,7 +248,7 @@ TEST_F(MediaEqualityOrder, StopsWhenThisAddressDiffers) {
     EXPECT_TRUE(right == left);
 }
 
-TEST_F(MediaEqualityOrder, StopsAtTheFirstUnequalAttribute) {
+TEST_F(MediaEqualityOrder, StopsAtAnUnequalAttribute) {
     left_attribute.equal = false;
     EXPECT_FALSE(left == right);
     EXPECT_EQ(journal.text(),
@@ -258,7 +258,7 @@ TEST_F(MediaEqualityOrder, StopsAtTheFirstUnequalAttribute) {
     EXPECT_TRUE(right == left);
 }
 
-TEST_F(MediaEqualityOrder, AsksTheAddressEvenOfTheSameMedia) {
+TEST_F(MediaEqualityOrder, HasNoShortcutForItself) {
     dynamic_cast<LoggedAddress&>(*left.address).differs = true;
     EXPECT_FALSE(left == left);
     EXPECT_EQ(journal.text(), "text of left\ndiffers left from left\n");
@@ -277,7 +277,7 @@ TEST_F(MediaEqualityOrder, NegatesIsEqual) {
 class FieldInTheComparison : public MediaEqualityOrder,
                              public testing::WithParamInterface<TextRow<QOVA_Media>> {};
 
-TEST_P(FieldInTheComparison, DecidesBeforeTheAttributes) {
+TEST_P(FieldInTheComparison, PrecedesTheAttributes) {
     GetParam().value(right);
     EXPECT_FALSE(left == right);
     EXPECT_EQ(journal.text(), GetParam().text);
@@ -316,7 +316,7 @@ TEST_F(MediaQuestions, MuteTestCallsTheAddressOnce) {
     EXPECT_EQ(journal.text(), "is any address\n");
 }
 
-TEST_F(MediaQuestions, MuteTestAcceptsAnyNonzeroResult) {
+TEST_F(MediaQuestions, MuteTestAcceptsAnyNonzero) {
     media.rcvPort = 5000;
     EXPECT_FALSE(media.isMute());
     for (const int answer : {1, -1, 65536}) {
@@ -325,7 +325,7 @@ TEST_F(MediaQuestions, MuteTestAcceptsAnyNonzeroResult) {
     }
 }
 
-TEST_F(MediaQuestions, TextCallsAddressAndAttributesOnce) {
+TEST_F(MediaQuestions, TextCallsEachObjectOnce) {
     give_attribute(media, "a1");
     give_attribute(media, "a2");
     EXPECT_EQ(std::string(media),
@@ -367,7 +367,7 @@ TEST_F(CapabilityOrder, CopyConstructorClonesTheMedia) {
               "clone m2 a1\n");
 }
 
-TEST_F(CapabilityOrder, AssignmentFreesAllMediaThenCopiesPlainOnes) {
+TEST_F(CapabilityOrder, AssignmentFreesThenCopies) {
     QOVA_Capability target;
     append(target, "old m1", "old m1 address", "old m1 a1");
     append(target, "old m2", "old m2 address", "old m2 a1");
@@ -386,7 +386,7 @@ TEST_F(CapabilityOrder, AssignmentFreesAllMediaThenCopiesPlainOnes) {
               "clone m2 a1\n");
 }
 
-TEST_F(CapabilityOrder, AssignmentCopiesSomeFlagsBeforeItFrees) {
+TEST_F(CapabilityOrder, AssignmentSetsSomeFlagsFirst) {
     struct Watcher : QOVA_Media {
         Watcher(const QOVA_Capability& watched, bool& result) : target(watched), copied(result) {}
         ~Watcher() override {
@@ -467,7 +467,7 @@ TEST_F(CapabilityEqualityOrder, IsMediaByMedia) {
               "compare m2 a1 with o2 a1\n");
 }
 
-TEST_F(CapabilityEqualityOrder, StopsAtTheFirstUnequalMedia) {
+TEST_F(CapabilityEqualityOrder, StopsAtUnequalMedia) {
     dynamic_cast<LoggedAddress&>(*capability.filteredMedia.front()->address).differs = true;
     EXPECT_FALSE(capability == other);
     EXPECT_EQ(journal.text(),
@@ -475,7 +475,7 @@ TEST_F(CapabilityEqualityOrder, StopsAtTheFirstUnequalMedia) {
               "differs m1 address from o1 address\n");
 }
 
-TEST_F(CapabilityEqualityOrder, CallsNoMediaWhenFlagsTextsOrCountsDecide) {
+TEST_F(CapabilityEqualityOrder, ComparesMediaLast) {
     for (bool QOVA_Capability::*const flag :
          {&QOVA_Capability::offer, &QOVA_Capability::hold, &QOVA_Capability::silenceSuppSdp}) {
         other.*flag = true;

@@ -28,7 +28,7 @@ TEST(Ownership, AppendsANewObject) {
     EXPECT_EQ(capability.filteredMedia.back(), &second);
 }
 
-TEST(Ownership, AppendKeepsTheListIfTheNodeCannotBeAllocated) {
+TEST(Ownership, FailedAppendKeepsTheList) {
     QOVA_Media media;
     qova::append<QOVA_Crypto>(media.cryptos);
     auto crypto = std::make_unique<QOVA_Crypto>();

@@ -35,7 +35,7 @@ std::string offer(const std::string& version, const std::string& attribute = "")
 // [side]
 sdp::CallSide make_side() {
     sdp::Policy policy{sdp::MediaAddress::parse("192.0.2.7").value()};
-    // Only for output that is always the same. Keys come from here, so leave it out.
+    // Only to make the output repeatable. Real keys must be random: omit this line.
     policy.random = [](unsigned char* to, std::size_t size) { std::fill_n(to, size, '\1'); };
     const sdp::Plan plan = {sdp::MediaAddress::parse("203.0.113.5").value(), 40000, 7000};
     return sdp::CallSide(std::move(policy), plan);

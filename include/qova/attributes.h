@@ -48,8 +48,8 @@ public:
     /// **In C++20** the compiler also considers the reversed comparison. A plain `a == b` of two
     /// objects of the same derived class may cause a warning; with two different derived classes it
     /// does not compile; with a base reference on the left and a derived object on the right it
-    /// calls the operator of the right one. `a.operator==(b)` calls the operator of `a` in every
-    /// language version, without a warning; so does `==` between two base references.
+    /// calls the operator of the right operand. `a.operator==(b)` calls the operator of `a` in
+    /// every language version, without a warning; so does `==` between two base references.
     /// @param other the attribute to compare with
     /// @return always false
     virtual bool operator==(const QOVA_MediaAttribute& other) const;

@@ -132,8 +132,8 @@ public:
     /// #AUDIO_PORT_BASE, the four ports of a fax media by `faxPort` - #FAX_PORT_BASE. Other kinds
     /// keep their ports.
     ///
-    /// **The shift is not guarded**: ports are computed modulo 65536, and port 0 is shifted like
-    /// any other. setLocalAddrPort() with the same bases restores the ports exactly.
+    /// **The shift is not range-checked**: ports are computed modulo 65536, and port 0 is shifted
+    /// like any other. setLocalAddrPort() with the same bases restores the ports exactly.
     ///
     /// A rejected media keeps its address and its ports. Allocates only the new addresses. If
     /// memory runs out, one media is left without an address: assign the capability again or

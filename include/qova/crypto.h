@@ -63,7 +63,7 @@ public:
     /// Frees the key entries.
     virtual ~QOVA_Crypto();
 
-    /// Makes a new copy with the copy constructor, in one more allocation.
+    /// Makes a new copy with the copy constructor. The new object is one more allocation.
     /// @return the copy, which the caller owns
     virtual QOVA_Crypto* clone() const;
 

@@ -34,9 +34,10 @@ class Sdp_Opus_Param;
 /// section 5.14).
 ///
 /// The constructors always set the address and both parameter objects, and the lists never hold
-/// null. Copying relies on that, and so do the log text, equality and isMute(); destruction and
-/// assignment accept null in the object that they free. Code that replaces an owned object frees
-/// the old one; qova/ownership.h has functions for that.
+/// null. Copying, the log text, equality and isMute() rely on that, except that equality accepts
+/// null parameter objects. A media with null pointers can be destroyed, or be the target of an
+/// assignment. Code that replaces an owned object must free the old one; qova/ownership.h has
+/// functions for that.
 class QOVA_API QOVA_Media {
 public:
     /// The kind of a media line.
@@ -122,7 +123,7 @@ public:
     /// @param other the source; its address and parameter objects must not be null
     QOVA_Media(const QOVA_Media& other);
 
-    /// Makes a new copy with the copy constructor, in one more allocation.
+    /// Makes a new copy with the copy constructor. The new object is one more allocation.
     /// @return the copy, which the caller owns
     virtual QOVA_Media* clone() const;
 

@@ -166,7 +166,7 @@ void expect_copy(const INetAddress& copy, const INetAddress& source) {
     EXPECT_EQ(copy.ToString(), source.ToString());
 }
 
-TEST(AddressDifference, NegatesIsEqualOfTheDynamicClass) {
+TEST(AddressDifference, NegatesTheDynamicIsEqual) {
     const Gateway gateway;
     const INetAddress& address = gateway;
     EXPECT_FALSE(address != "gateway");

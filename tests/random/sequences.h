@@ -120,7 +120,7 @@ private:
     std::size_t below(std::size_t bound) { return (at == end ? 0U : *at++) % bound; }
     bool one_in(std::size_t count) { return below(count) == 1; }
 
-    // Few different values, so that searches and comparisons often succeed.
+    // Only a few different values, so that searches and comparisons often succeed.
     template <class Number>
     Number any() {
         static constexpr long long numbers[] = {0, 1, 2, 3, 6666, 32000, 65535, -1};

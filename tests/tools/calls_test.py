@@ -160,7 +160,7 @@ class Changes(CallCase):
 
 class Refusals(CallCase):
     def check_refusals(self, error, status, *checks, **request):
-        """Of a first INVITE, and of a later one, which leaves the call as it was."""
+        """Checks that a first INVITE and a re-INVITE are refused; the latter changes nothing."""
         first = sipp.Scenario()
         first.exchange("INVITE", status, *checks, **request)
         error = f"call 1: INVITE{error}\n"

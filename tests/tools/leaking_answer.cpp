@@ -1,4 +1,4 @@
-// A qova-answer that keeps memory of each call, to show that scripts/load notices.
+// A qova-answer that leaks memory with each call, to show that scripts/load detects it.
 
 #include <cstddef>
 #include <list>

@@ -31,7 +31,7 @@ struct Counts {
 // - Messages are printable and name a line of the description. Warnings are in line order.
 // - A strict reading throws the first warning. Without warnings, it is the same as the lenient one.
 // - Moves and answers are refused for the same reason as the reading.
-// - A moved description reads as its log says. The way back restores every byte.
+// - A moved description reads as its log shows. The reverse move restores every byte.
 // - An answer has the lines of the offer, and reads as the capability that it was written from. A
 //   side of a call that resumes from it gives the same answer.
 // - No log, message or answer shows a key, except the new keys of an answer.

@@ -113,7 +113,7 @@ TEST(Properties, HoldForRandomDescriptions) {
     EXPECT_GT(counts.restored, 1000U);
 }
 
-TEST(RandomMove, LeavesATextThatReadsAsTheMovedModel) {
+TEST(RandomMove, TextReadsAsTheMovedModel) {
     RandomDescriptions descriptions(false);
     tools::Journey merge;
     merge.options.merge = true;

@@ -45,7 +45,7 @@ std::string last_line(const std::string& log) {
     return log.substr(log.rfind('\n', log.size() - 2) + 1);
 }
 
-TEST_F(CallSideTest, HasNothingToCompareItsFirstAnswerWith) {
+TEST_F(CallSideTest, FirstAnswerHasNoComparison) {
     const sdp::Reply reply = answer(audio);
     EXPECT_EQ(reply.changed, std::nullopt);
     EXPECT_TRUE(reply.has_common);
@@ -77,7 +77,7 @@ TEST_F(CallSideTest, FailsAsItsRandomSourceDoes) {
     EXPECT_TRUE(without_keys.answer(audio, {}).has_common);
 }
 
-TEST_F(CallSideTest, AnswersTheSameOfferWithTheSameKey) {
+TEST_F(CallSideTest, RepeatsItsAnswerAndKey) {
     const sdp::Reply first = answer(secure);
     const sdp::Reply second = answer(secure);
     EXPECT_EQ(second.text, first.text);
@@ -86,7 +86,7 @@ TEST_F(CallSideTest, AnswersTheSameOfferWithTheSameKey) {
     EXPECT_EQ(second.log, "since the last offer: unchanged\nsince the last answer: unchanged\n");
 }
 
-TEST_F(CallSideTest, RaisesTheVersionWhenItsTextChanges) {
+TEST_F(CallSideTest, RaisesTheVersionOnChange) {
     const sdp::Reply first = answer(audio);
     const sdp::Reply second = answer(refreshed);
     EXPECT_EQ(second.text, first.text);
@@ -107,7 +107,7 @@ TEST_F(CallSideTest, LogsWhatChanged) {
     EXPECT_EQ(last_line(answer(inactive).log), "since the last answer: changed\n");
 }
 
-TEST_F(CallSideTest, ForgetsAnOfferWithNothingInCommon) {
+TEST_F(CallSideTest, ForgetsAnUnacceptableOffer) {
     const sdp::Reply first = answer(audio);
     const sdp::Reply none = answer(video);
     EXPECT_FALSE(none.has_common);
@@ -127,7 +127,7 @@ TEST_F(CallSideTest, IsUnchangedByARefusal) {
     EXPECT_EQ(answer(secure).text, first.text);
 }
 
-TEST_F(CallSideTest, GoesOnFromAnyDescription) {
+TEST_F(CallSideTest, ResumesFromAnyDescription) {
     answer(audio);
     side.resume(session({"v=0", "o=- 99 41 IN IP4 192.0.2.1", "c=IN IP4 192.0.2.1", "t=0 0",
                          "m=audio 0 RTP/AVP 8"}));
@@ -227,7 +227,7 @@ QOVA_Media& rejected(QOVA_Capability& capability) {
 
 using C = QOVA_Capability;
 
-TEST(Changes, ShowEitherWay) {
+TEST(Changes, AreFoundInBothDirections) {
     const std::pair<const char*, void (*)(C&)> changes[] = {
         {"hold", [](C& c) { c.hold = true; }},
         {"silence suppression", [](C& c) { c.silenceSuppSdp = true; }},
@@ -248,7 +248,7 @@ TEST(Changes, ShowEitherWay) {
     }
 }
 
-TEST(Changes, AreNotInWhatIsNotNegotiated) {
+TEST(Changes, IgnoreUnnegotiatedFields) {
     C before = full();
     C now = full();
     now.offer = !now.offer;

@@ -11,8 +11,9 @@
 /// - T.38 over UDPTL.
 ///
 /// It rejects every other line, and lines with a multicast address or an address of another family
-/// than its own. It answers sendonly with recvonly and inactive with inactive, and sends nothing to
-/// an unspecified address (0.0.0.0). A rejected line has no address, no ports and no payloads.
+/// than the policy's. It answers sendonly with recvonly and inactive with inactive, and sends
+/// nothing to an unspecified address (0.0.0.0). A rejected line has no address, no ports and no
+/// payloads.
 
 #ifndef QOVA_TOOLS_ANSWER_ANSWERER_H
 #define QOVA_TOOLS_ANSWER_ANSWERER_H
@@ -33,7 +34,7 @@ namespace sdp {
 /// Fills `to` with random bytes from the system. Throws std::system_error.
 void random_bytes(unsigned char* to, std::size_t size);
 
-/// What is accepted of an offer.
+/// Decides which lines, codecs and suites of an offer are accepted.
 struct Policy {
     MediaAddress address;  ///< The local address.
 

@@ -30,9 +30,9 @@ bool same_keys(const QOVA_Crypto& left, const QOVA_Crypto& right) {
 bool same_media(QOVA_Media& left, QOVA_Media& right) {
     if (left.mediaStatus == QOVA_Media::MS_REJECTED &&
         right.mediaStatus == QOVA_Media::MS_REJECTED) {
-        return left.mediaType == right.mediaType;  // nothing else of such a line means anything
+        return left.mediaType == right.mediaType;  // the rest of a rejected line is meaningless
     }
-    // What operator== leaves out: how long the lists are, the parameters, the keys.
+    // operator== does not compare the lengths of the lists, the parameters and the keys.
     if (left.attributes.size() != right.attributes.size() ||
         left.cryptos.size() != right.cryptos.size() ||
         static_cast<const std::string&>(*left.amrwbParam) !=

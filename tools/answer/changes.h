@@ -11,8 +11,8 @@ class QOVA_Capability;
 namespace sdp {
 
 // [aside]
-/// Hides the parameter objects of a media while it exists, because QOVA_Media::operator== compares
-/// them by identity.
+/// Hides the parameter objects of a media during its own lifetime, because QOVA_Media::operator==
+/// compares them by identity.
 class ParametersAside {
 public:
     explicit ParametersAside(QOVA_Media& given_media)
@@ -39,8 +39,8 @@ private:
 /// comparison. Linear in the number of attributes and keys.
 bool same_media(QOVA_Media& left, QOVA_Media& right);
 
-/// Returns true if a side's media, hold or silence suppression changed. QOVA_Capability::offer does
-/// not count. Changes nothing, but hides parameter objects as same_media() does.
+/// Returns true if a side's media, pass-through text, hold or silence suppression changed. Ignores
+/// QOVA_Capability::offer. Changes nothing, but hides parameter objects as same_media() does.
 bool changed(QOVA_Capability& before, QOVA_Capability& now);
 
 }  // namespace sdp

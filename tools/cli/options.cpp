@@ -20,7 +20,7 @@ using Member =
 struct Option {
     std::string_view name;
     std::string_view value;  // its name in the help text; empty: takes none
-    unsigned commands;       // that take the option
+    unsigned commands;       // the commands that take the option
     Member member;
     const char* help;
 };
@@ -243,7 +243,7 @@ std::string usage() {
            "        on standard error, prints the capability and the command that moves it\n"
            "        back\n"
            "answer  prints an answer to the description; on standard error, prints why lines\n"
-           "        are rejected, both capabilities, and whether they changed\n"
+           "        are rejected, both capabilities, and whether they changed (--previous)\n"
            "\n" +
            options_of(LOG) + "\nOptions of move:\n" + options_of(MOVE, LOG) +
            "\nOptions of answer:\n" + options_of(ANSWER, LOG) +
@@ -256,7 +256,7 @@ std::string server_usage() {
     return "usage: qova-answer [OPTION]...\n"
            "\n"
            "Answers SIP calls until it receives SIGINT or SIGTERM; then it ends its calls.\n"
-           "Prints \"listening on URI\" when it accepts calls. Logs each offer and answer on\n"
+           "Prints \"listening on URI\" when it is ready. Logs each offer and answer on\n"
            "standard error, and statistics when it receives SIGUSR1. Sends no media.\n"
            "The host of --listen is the default of --local.\n"
            "\n" +

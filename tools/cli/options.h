@@ -16,7 +16,7 @@
 // The commands of qova-sdp, and qova-answer as a whole. A sum of them is a set.
 enum Command : unsigned { LOG = 1, MOVE = 2, ANSWER = 4, SERVE = 8 };
 
-// What the options say; an option of another command keeps its default.
+// The parsed options. Options of other commands keep their defaults.
 struct Options {
     Command command = SERVE;
     bool help = false;  // with it or version, a command line is not checked as a whole

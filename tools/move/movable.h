@@ -50,7 +50,7 @@ struct MovingAddresses {
     std::vector<AddressField> fields;          // each place in the text once
     const Line* session_connection = nullptr;  // if it is one of the places
     std::set<std::string> addresses;           // all different ones
-    std::string first_written;                 // the first one in its spelling; empty without one
+    std::string first_written;                 // the first one, as spelled; empty if there is none
 };
 
 // Throws SeveralAddresses unless `merge` is true, and Refusal for a line with two addresses or an

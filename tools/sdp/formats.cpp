@@ -19,7 +19,7 @@ void take(const Parameter& parameter, const char* name, Member& member, unsigned
     }
 }
 
-// The same for a value that is one of some words. Stores its index, counted from `first`.
+// The same for a value that must be one of several words. Stores its index, counted from `first`.
 template <class Member>
 void take(const Parameter& parameter, const char* name, Member& member,
           std::initializer_list<std::string_view> words, int first = 0) {

@@ -43,7 +43,7 @@ void check_rtpmap(const Line& line) {
     required(line.number, "a=rtpmap clock rate: expected a number", rate[0], 0, UINT_MAX);
 }
 
-// Throws Refusal if the parser refuses a line without the others around it.
+// Throws Refusal if the parser refuses a line on its own.
 void check_alone(const Line& line, bool in_media) {
     std::string text = "v=0\r\no=- 1 1 IN IP4 0.0.0.0\r\ns=-\r\nt=0 0\r\n";
     text += in_media ? "m=audio 9 RTP/AVP 0\r\n" : "";

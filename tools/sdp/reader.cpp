@@ -107,7 +107,7 @@ void read_address(const Line* of_session, const Section& section, QOVA_Media& me
     }
 }
 
-// What the session says for the lines that do not say it themselves.
+// Values of the session, which apply to the media lines without their own.
 struct SessionDefaults {
     const Line* connection;
     std::optional<bool> silence_suppression;
@@ -163,7 +163,7 @@ void read_media(const SessionDefaults& defaults, const MediaLine& media_line,
                  (has_address && media.address->IsAny() != 0 && media.rcvPort != discard_port);
 }
 
-// Sorts the warnings and leaves one of each: several media can read the same line of the session.
+// Sorts the warnings and removes duplicates: several media can read the same line of the session.
 void sort_and_merge(Diagnostics& warnings) {
     sort(warnings);
     const auto is_same = [](const Diagnostic& left, const Diagnostic& right) {

@@ -25,7 +25,7 @@ enum class Strictness {
     STRICT    ///< The description is refused, with the message of the first warning.
 };
 
-/// A media line, and what the model does not hold of it.
+/// A media line, with the details that the model does not hold.
 struct ReadLine {
     std::size_t number = 0;            ///< The number of its m= line.
     std::string type;                  ///< Such as "audio"; this and the next two as in the text.
@@ -34,7 +34,7 @@ struct ReadLine {
     std::vector<Payload> payloads;     ///< Of RTP, in their order; each payload type once.
     QOVA_Media* media = nullptr;       ///< In the capability, borrowed; null if passed through.
     bool is_rejected = false;          ///< Its port is 0.
-    bool holds = false;                ///< Asks for no media, by its direction or its address.
+    bool holds = false;                ///< Is on hold, by its direction or its address.
     bool suppresses_silence = false;   ///< Has a=silenceSupp:on.
 
     /// The media's cryptos without a mandatory session parameter, borrowed.

@@ -44,7 +44,7 @@ public:
     std::string_view text;          ///< The whole text.
     std::vector<Section> sections;  ///< The session's, then one for each media line.
 
-    /// Returns the number of the line that has an offset. Linear in the number of lines.
+    /// Returns the number of the line at an offset. Linear in the number of lines.
     std::size_t line_at(std::size_t offset) const;
 };
 
@@ -94,7 +94,7 @@ std::optional<AddressField> address_of(const Line& line);
 /// Returns the port, 1 to 65535, of a=rtcp:PORT [IN IP4 ADDRESS] (RFC 3605). Throws Refusal.
 unsigned short rtcp_port(const Line& line);
 
-/// Returns the a=rtcp line of a section that counts, the first with a port; or null.
+/// Returns the a=rtcp line that applies to a section, the first one with a port; or null.
 const Line* rtcp_of(const Section& section);
 
 /// A payload of an RTP line, from m= and a=rtpmap or the static payload types (RFC 3551).
@@ -115,8 +115,8 @@ struct Origin {
 constexpr unsigned max_port = 65535;        ///< The last port.
 constexpr unsigned max_payload_type = 127;  ///< The last payload type of RTP.
 
-/// Parses a decimal number from `min` to `max`. Throws Refusal, which starts with `expected`, such
-/// as "m=: expected a port".
+/// Parses a decimal number from `min` to `max`. Throws Refusal, whose message starts with
+/// `expected`, such as "m=: expected a port".
 template <class Number = unsigned>
 Number required(std::size_t line, const std::string& expected, std::string_view digits,
                 unsigned long long min, unsigned long long max) {

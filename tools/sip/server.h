@@ -48,7 +48,7 @@ private:
         nua_handle_t* handle;
         std::string name;  // in the log
         sdp::CallSide side;
-        bool awaits_answer = false;  // in the ACK, to an offer of ours
+        bool awaits_answer = false;  // to our own offer, in the ACK
     };
     struct Free {
         void operator()(su_root_t* owned) const;

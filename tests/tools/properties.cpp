@@ -42,6 +42,7 @@ void check_messages(const Diagnostics& diagnostics, const std::string& text) {
 // Shorter texts can be in a description for other reasons.
 constexpr std::size_t least_key = 37;
 constexpr std::size_t searched = 12;
+constexpr std::size_t shown_bytes = 8;  // of a key, in hexadecimal and decimal
 
 // Decodes base64, up to the first other character.
 std::string bytes_of(const std::string& base64) {
@@ -79,7 +80,8 @@ std::vector<std::string> offered_keys(const std::string& text) {
         const std::string begin = key.substr(0, searched);
         const bool is_elsewhere = count(text, begin) != count(text, "inline:" + begin);
         const bool is_number = begin == std::string(begin.size(), 'A');
-        if (size >= least_key && !is_elsewhere && !is_number) {
+        const bool is_key = size >= least_key && bytes_of(begin).size() >= shown_bytes;
+        if (is_key && !is_elsewhere && !is_number) {
             keys.push_back(key);
         }
     }
@@ -88,7 +90,7 @@ std::vector<std::string> offered_keys(const std::string& text) {
 
 // Searches for the base64 of a key, and for its first bytes in hexadecimal and decimal.
 void check_without_key(const std::string& shown, const std::string& key) {
-    const std::string bytes = bytes_of(key).substr(0, 8);
+    const std::string bytes = bytes_of(key).substr(0, shown_bytes);
     std::string decimal;
     for (const char byte : bytes) {
         decimal += (decimal.empty() ? "" : ", ") + std::to_string(static_cast<unsigned char>(byte));

@@ -17,7 +17,7 @@ Status run(Options& options) {
     sdp::Policy policy = options.policy();
     policy.random = [](unsigned char* to, std::size_t size) {
         static std::list<std::string> never_freed;
-        never_freed.emplace_back(200, 'x');
+        never_freed.emplace_back(2000, 'x');
         sdp::random_bytes(to, size);
     };
     sip::Server server({"leaking-answer", options.listen, policy, {}, options.strictness(), true});

@@ -9,8 +9,7 @@
 ///   (audio and fax), or if the line is bundled with one that it moves, on the same port (RFC
 ///   8843).
 /// - An unspecified address (0.0.0.0, ::) stays: the call is on hold, or no candidate is known yet.
-///   Port 9 stays at such an address (RFC 8838), and on a TCP line, where it means that this side
-///   opens the connection (RFC 4145).
+///   Port 9 stays at such an address (RFC 8838), and on a TCP line that will connect (RFC 4145).
 /// - The addresses in o= and in the session's c= change if they are an address that moves. Any
 ///   other address or a host name stays, because it is not the address of the media.
 /// - IP4 and IP6 change with the address. The new address is spelled as in the plan.

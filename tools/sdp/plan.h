@@ -43,8 +43,7 @@ struct Plan {
     unsigned short fax_port;    ///< Replaces QOVA_Capability::FAX_PORT_BASE; not 0.
 };
 
-/// Returns what a plan adds to the local ports of audio or fax; 0 for other media, whose ports
-/// stay.
+/// Returns what a plan adds to local ports; 0 for media other than audio and fax.
 inline int port_shift(const Plan& plan, QOVA_Media::e_MediaType type) {
     return type == QOVA_Media::MT_AUDIO ? plan.audio_port - QOVA_Capability::AUDIO_PORT_BASE
            : type == QOVA_Media::MT_FAX ? plan.fax_port - QOVA_Capability::FAX_PORT_BASE

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "sdp/strings.h"
+
 namespace tools {
 
 namespace {
